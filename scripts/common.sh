@@ -1,0 +1,12 @@
+# Shared by the run and test scripts: set up the machine, then configure and build one tree.
+# Usage: vrc_build <build-dir> [cmake options...]
+set -euo pipefail
+repo_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+jobs=${VRC_JOBS:-$(nproc)}
+
+vrc_build() {
+  local dir=$1; shift
+  "$repo_root/scripts/setup.sh"
+  cmake -S "$repo_root" -B "$repo_root/$dir" -G Ninja "$@" >/dev/null
+  cmake --build "$repo_root/$dir" -j "$jobs"
+}
