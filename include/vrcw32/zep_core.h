@@ -205,6 +205,8 @@ uint32_t ZEP_image_copy(uint32_t src, uint32_t dst);
 uint32_t ZEP_image_copy_parameters(uint32_t src, uint32_t dst);
 uint32_t ZEP_image_copy_parameters_raw(uint32_t src, uint32_t dst);
 uint32_t ZEP_image_move(uint32_t src, uint32_t dst);
+/* Copies src's 256-entry colour map into dst's (nothing when either map is null). */
+uint32_t ZEP_cmap_copy(uint32_t src, uint32_t dst);
 
 /* Sets width, height and type, makes the whole image one strip and fills it with `colour`
  * (see ZEP_DrawPixel for the colour value of each format). Returns 0. */

@@ -1,0 +1,28 @@
+// Reporting a failure once, where it is found, and the guard that keeps exceptions from crossing
+// the C boundary.
+#pragma once
+
+#include "vrcw32/zep_core.h"
+
+#include <cstdint>
+#include <new>
+
+namespace vrc::core {
+
+// Reports `code` through the installed handler under `function_name` and returns `code`.
+uint32_t report(const char *function_name, uint32_t code, const char *message = "");
+
+// Runs `body` and returns its status; an escaped std::bad_alloc becomes the memory error code and
+// any other exception the internal-error code, each reported under `function_name`.
+template <typename Body>
+uint32_t api_guard(const char *function_name, Body body) noexcept {
+  try {
+    return body();
+  } catch (const std::bad_alloc &) {
+    return report(function_name, ZEP_ERR_MEMORY);
+  } catch (...) {
+    return report(function_name, ZEP_ERR_INTERNAL, "Unexpected exception");
+  }
+}
+
+}  // namespace vrc::core
