@@ -1,7 +1,80 @@
-/* vrcw32 imaging library: image files. */
+/*
+ * vrcw32 imaging library: image files.
+ *
+ * Format detection by content, reading and writing BMP, TIFF and EPS files, BMP images in memory,
+ * device-independent-bitmap images for display, and raw pixel data. File names come from the
+ * image's infilename (reading) and outfilename (writing).
+ *
+ * The `action` argument of the file functions: ZEP_ACTION_DATA transfers the pixels and closes
+ * the file, ZEP_ACTION_CLOSE only closes it after the header work, and any other value returns
+ * with the file left open.
+ */
 #ifndef VRCW32_ZEP_FILES_H
 #define VRCW32_ZEP_FILES_H
 
 #include "vrcw32/zep_core.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- File-format codes ------------------------------------------------------------------ */
+
+#define ZEP_FILE_UNKNOWN 0 /* not recognised */
+#define ZEP_FILE_TIFF 3
+#define ZEP_FILE_JPEG 8
+#define ZEP_FILE_EPS 9
+#define ZEP_FILE_BMP 10
+#define ZEP_FILE_RAW 11 /* raw pixel data, written only */
+
+/* ---- Actions of the file functions ------------------------------------------------------ */
+
+#define ZEP_ACTION_DATA 3  /* transfer the pixel data, then close */
+#define ZEP_ACTION_CLOSE 4 /* close after the header */
+
+/* TIFF byte-order marks: 'M' (most significant byte first) and 'I' (least significant first). */
+#define ZEP_TIFF_ORDER_MOTOROLA 77
+#define ZEP_TIFF_ORDER_INTEL 73
+
+/* ---- Detection and dispatch ------------------------------------------------------------- */
+
+/* The format of the file at `path` from its first bytes: 0, 3, 8, 9 or 10, or an error code. */
+uint32_t ZEP_image_find_file_format(const char *path);
+/* Reads the image's input file; only `format` 0 (detect) is accepted. */
+uint32_t ZEP_image_read(uint32_t handle, uint16_t format, uint16_t action);
+/* Writes the image's output file in `format` (3, 8, 9, 10 or 11); `unused` is ignored. */
+uint32_t ZEP_image_write(uint32_t handle, uint32_t unused, uint16_t format, uint16_t action);
+/* Writes the current strip as raw pixel data, no header. One raw file is open at a time. */
+uint32_t ZEP_write_raw_data_file(uint32_t handle, uint16_t action);
+
+/* ---- BMP files and device-independent bitmaps ------------------------------------------- */
+
+uint32_t ZEP_read_BMP_file(uint32_t handle, uint16_t action);
+uint32_t ZEP_write_BMP_file(uint32_t handle);
+/* Writes a complete BMP into `buffer` (the caller makes it large enough: 1078 or 54 bytes of
+ * header plus height x row bytes) and stores its length in `size_out`. */
+uint32_t ZEP_image_write_BMP_buffer(uint32_t handle, uint8_t *buffer, uint32_t *size_out);
+/* Makes `dst` a BGR24 image with 4-byte line alignment holding the pixels of `src`. */
+uint32_t ZEP_convert_to_DIB_w31(uint32_t src, uint32_t dst, uint32_t flags, uint16_t action);
+
+/* ---- TIFF files ------------------------------------------------------------------------- */
+
+uint32_t ZEP_write_TIFF_file(uint32_t handle, uint16_t action);
+uint32_t ZEP_read_TIFF_file(uint32_t handle, uint16_t action);
+/* Byte-order readers: most significant byte first when `order` is 77 ('M'), else least. */
+uint16_t TIFF_read_ui16(FILE *file, uint16_t order);
+uint32_t TIFF_read_ui32(FILE *file, uint16_t order);
+/* Reads an entry's value word: a 16-bit value and 16 skipped bits for type 3 (SHORT), else a
+ * 32-bit value. */
+uint32_t TIFF_read_data(FILE *file, uint16_t order, uint16_t type);
+
+/* ---- EPS files -------------------------------------------------------------------------- */
+
+uint32_t ZEP_write_EPS_file(uint32_t handle, uint16_t action);
+uint32_t ZEP_read_EPS_file(uint32_t handle, uint16_t action);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif
