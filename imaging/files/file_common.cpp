@@ -3,6 +3,7 @@
 
 #include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
+#include "vrcw32/zep_files.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,0 +1,95 @@
+// Test support for the file formats.
+#include "files/files_support.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+
+namespace vrc::test {
+
+TempDir::TempDir() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "zep-files-XXXXXX").string();
+  m_path = ::mkdtemp(pattern.data());
+}
+
+TempDir::~TempDir() {
+  std::error_code ignored;
+  std::filesystem::remove_all(m_path, ignored);
+}
+
+Bytes read_file(const std::string &path) {
+  std::ifstream in(path, std::ios::binary);
+  return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void write_file(const std::string &path, const Bytes &bytes) {
+  std::ofstream out(path, std::ios::binary);
+  out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+void write_file(const std::string &path, const std::string &text) { write_file(path, Bytes(text.begin(), text.end())); }
+
+std::string run_command(const std::string &command, int *status) {
+  std::string output;
+  FILE *pipe = ::popen(command.c_str(), "r");
+  if (pipe == nullptr) {
+    if (status != nullptr) *status = -1;
+    return output;
+  }
+  std::array<char, 4096> chunk{};
+  while (std::size_t got = std::fread(chunk.data(), 1, chunk.size(), pipe)) output.append(chunk.data(), got);
+  const int result = ::pclose(pipe);
+  if (status != nullptr) *status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+  return output;
+}
+
+bool program_available(const std::string &name) {
+  int status = 0;
+  run_command("command -v " + name + " >/dev/null 2>&1", &status);
+  return status == 0;
+}
+
+std::string run_pillow(const std::string &script, int *status) {
+  TempDir folder;
+  const std::string path = folder.file("oracle.py");
+  write_file(path, "from PIL import Image\n" + script);
+  return run_command("/usr/bin/python3 " + path + " 2>&1", status);
+}
+
+void make_pattern_image(uint32_t handle, uint32_t width, uint32_t height, uint16_t type) {
+  ZEP_ImageMake(handle, width, height, type, 0);
+  auto *data = static_cast<uint8_t *>(ZEP_image_get_ptr(handle, ZEP_DATA_PTR));
+  const uint32_t line = ZEP_image_get_parameter(handle, ZEP_BYTES_PER_LINE);
+  const uint32_t pixel_bytes = line - ZEP_image_calc_skip_bytes(width, ZEP_image_get_parameter(handle, ZEP_IMAGE_DEPTH),
+                                                            ZEP_image_get_parameter(handle, ZEP_LINE_ALIGN));
+  for (uint32_t y = 0; y < height; ++y) {
+    for (uint32_t x = 0; x < pixel_bytes; ++x) data[y * line + x] = pattern_byte(x, y);
+  }
+}
+
+Bytes line_bytes(uint32_t handle, uint32_t line, uint32_t count) {
+  const auto *data = static_cast<const uint8_t *>(ZEP_image_get_ptr(handle, ZEP_DATA_PTR));
+  const uint32_t start = line * ZEP_image_get_parameter(handle, ZEP_BYTES_PER_LINE);
+  return Bytes(data + start, data + start + count);
+}
+
+std::string hex(const Bytes &bytes) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (uint8_t byte : bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  }
+  return text;
+}
+
+void write_seed(const std::string &target, const std::string &name, const Bytes &bytes) {
+  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
+  std::filesystem::create_directories(folder);
+  write_file((folder / name).string(), bytes);
+}
+
+}  // namespace vrc::test

@@ -1,0 +1,59 @@
+// Test support for the file formats: a temporary folder, whole-file bytes, outside programs
+// (Pillow through /usr/bin/python3, libtiff tools, Ghostscript), images filled with a known
+// pattern, and the seed folders of the fuzz targets.
+#pragma once
+
+#include "support/error_capture.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace vrc::test {
+
+using Bytes = std::vector<uint8_t>;
+
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir &) = delete;
+  TempDir &operator=(const TempDir &) = delete;
+  std::string file(const std::string &name) const { return (m_path / name).string(); }
+
+ private:
+  std::filesystem::path m_path;
+};
+
+Bytes read_file(const std::string &path);
+void write_file(const std::string &path, const Bytes &bytes);
+void write_file(const std::string &path, const std::string &text);
+
+// Runs a shell command and returns what it printed on standard output; `status` gets its exit
+// status.
+std::string run_command(const std::string &command, int *status = nullptr);
+bool program_available(const std::string &name);
+
+// A Python snippet run by the Pillow interpreter; its standard output.
+std::string run_pillow(const std::string &script, int *status = nullptr);
+
+// The pattern byte at byte `column` of line `line`.
+inline uint8_t pattern_byte(uint32_t column, uint32_t line) {
+  return static_cast<uint8_t>(column * 37 + line * 101 + 11);
+}
+
+// Makes `handle` a width x height image of `type` in one strip and fills every pixel byte (not
+// the line padding) with the pattern.
+void make_pattern_image(uint32_t handle, uint32_t width, uint32_t height, uint16_t type);
+
+// The `count` bytes at the start of line `line` of the image's strip.
+Bytes line_bytes(uint32_t handle, uint32_t line, uint32_t count);
+
+// Lower-case hex of the bytes.
+std::string hex(const Bytes &bytes);
+
+// Stores `bytes` as seed `name` of the fuzz target `target`.
+void write_seed(const std::string &target, const std::string &name, const Bytes &bytes);
+
+}  // namespace vrc::test
