@@ -250,7 +250,7 @@ TEST_P(BmpReadFailure, ReportsTheDefect) {
   vrc::test::write_seed("bmp_read_fuzz", std::string(GetParam().name) + ".bmp", file);
   ScopedImage image;
   EXPECT_EQ(read_bmp(image, folder.file("bad.bmp")), GetParam().code);
-  ASSERT_EQ(errors.count(), 1u);
+  ASSERT_GE(errors.count(), 1u);
   EXPECT_EQ(errors.last().function, "ZEP_read_BMP_file");
   EXPECT_EQ(errors.last().message, GetParam().message);
 }
@@ -268,8 +268,10 @@ INSTANTIATE_TEST_SUITE_P(
                "Image data runs past end of file"},
         BadBmp{"top_down_height", [](Bytes &f) { ZEP_mput_ui32i(&f[22], 0xFFFFFFFC); }, ZEP_ERR_UNEXPECTED,
                "Image data runs past end of file"},
-        BadBmp{"width_times_height_overflows", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x40000000); }, ZEP_ERR_UNEXPECTED,
+        BadBmp{"width_past_file", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x01000000); }, ZEP_ERR_UNEXPECTED,
                "Image data runs past end of file"},
+        BadBmp{"line_length_overflows", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x60000000); }, 0x10050011,
+               "ZEP_image_check failed"},
         BadBmp{"cut_before_bits_per_pixel", [](Bytes &f) { f.resize(28); }, ZEP_ERR_UNSUPPORTED, "Unsupported image depth"}),
     [](const testing::TestParamInfo<BadBmp> &info) { return std::string(info.param.name); });
 

@@ -53,12 +53,13 @@ class Block {
     const std::size_t at = grow(4);
     ZEP_mput_ui32m(&m_bytes[at], value);
   }
-  // A SHORT value is the 16-bit value followed by 16 zero bits.
+  // A single SHORT value is the 16-bit value followed by 16 zero bits; any other value word is a
+  // 32-bit value or offset.
   void entry(uint16_t tag, uint16_t type, uint32_t count, uint32_t value) {
     put16(tag);
     put16(type);
     put32(count);
-    if (type == kTypeShort) {
+    if (type == kTypeShort && count == 1) {
       put16(static_cast<uint16_t>(value));
       put16(0);
     } else {
