@@ -1,0 +1,219 @@
+// Format detection by content, the read and write dispatch, and raw pixel data written whole or
+// strip by strip. Also writes the seed corpora that the fuzz targets start from.
+#include "files/files_support.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using vrc::test::Bytes;
+using vrc::test::ErrorCapture;
+using vrc::test::ScopedImage;
+using vrc::test::TempDir;
+
+uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
+
+struct Sample {
+  const char *name;
+  Bytes bytes;
+  uint32_t format;
+};
+
+Bytes tiff_start(char order, uint16_t first_type) {
+  Bytes file = {uint8_t(order), uint8_t(order), 0, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0};
+  const bool big = order == 'M';
+  auto put16 = [&](std::size_t at, uint16_t v) { big ? ZEP_mput_ui16m(&file[at], v) : ZEP_mput_ui16i(&file[at], v); };
+  auto put32 = [&](std::size_t at, uint32_t v) { big ? ZEP_mput_ui32m(&file[at], v) : ZEP_mput_ui32i(&file[at], v); };
+  put16(2, 42);
+  put32(4, 8);
+  put16(8, 1);        // one entry
+  put16(10, 256);     // tag
+  put16(12, first_type);
+  put32(14, 1);
+  return file;
+}
+
+class Detection : public testing::TestWithParam<Sample> {};
+
+TEST_P(Detection, RecognisesTheFileByItsFirstBytes) {
+  ErrorCapture errors;
+  TempDir folder;
+  const std::string path = folder.file("sample.bin");
+  vrc::test::write_file(path, GetParam().bytes);
+  vrc::test::write_seed("format_detect_fuzz", std::string(GetParam().name) + ".bin", GetParam().bytes);
+  EXPECT_EQ(ZEP_image_find_file_format(path.c_str()), GetParam().format);
+  EXPECT_EQ(errors.count(), 0u);
+}
+
+Bytes with_tail(Bytes head, std::size_t size) {
+  head.resize(size, 0);
+  return head;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, Detection,
+    testing::Values(Sample{"tiff_big_endian", tiff_start('M', 3), ZEP_FILE_TIFF},
+                    Sample{"tiff_little_endian", tiff_start('I', 4), ZEP_FILE_TIFF},
+                    Sample{"tiff_type_12", tiff_start('I', 12), ZEP_FILE_UNKNOWN},
+                    Sample{"tiff_type_0", tiff_start('M', 0), ZEP_FILE_UNKNOWN},
+                    Sample{"tiff_mixed_marks", [] { Bytes b = tiff_start('I', 3); b[1] = 'M'; return b; }(), ZEP_FILE_TIFF},
+                    Sample{"tiff_magic_only", {'I', 'I', 42, 0}, ZEP_FILE_UNKNOWN},
+                    Sample{"tiff_directory_past_end", {'M', 'M', 0, 42, 0x7F, 0, 0, 0}, ZEP_FILE_UNKNOWN},
+                    Sample{"jpeg", {0xFF, 0xD8, 0xFF, 0xE0}, ZEP_FILE_JPEG},
+                    Sample{"eps", {'%', '!', 'P', 'S', '-'}, ZEP_FILE_EPS},
+                    Sample{"bmp", with_tail({'B', 'M', 9, 9, 9, 9}, 54), ZEP_FILE_BMP},
+                    Sample{"bmp_reserved_set", with_tail({'B', 'M', 0, 0, 0, 0, 0, 0, 1, 0}, 54), ZEP_FILE_UNKNOWN},
+                    Sample{"bmp_cut_short", {'B', 'M', 0, 0, 0, 0, 0}, ZEP_FILE_UNKNOWN},
+                    Sample{"empty", {}, ZEP_FILE_UNKNOWN},
+                    Sample{"text", {'h', 'e', 'l', 'l', 'o'}, ZEP_FILE_UNKNOWN}),
+    [](const testing::TestParamInfo<Sample> &info) { return std::string(info.param.name); });
+
+TEST(Detection, MissingFileReportsTheOpenFailure) {
+  ErrorCapture errors;
+  EXPECT_EQ(ZEP_image_find_file_format("/nonexistent/file"), ZEP_ERR_OPEN);
+  EXPECT_EQ(errors.last().function, "ZEP_image_find_file_format");
+  EXPECT_EQ(errors.last().message, "Failed to open file");
+}
+
+TEST(Dispatch, ReadsEveryFormatByDetectionOnly) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage source;
+  vrc::test::make_pattern_image(source, 6, 3, ZEP_RGB24);
+  for (uint16_t format : {ZEP_FILE_BMP, ZEP_FILE_TIFF, ZEP_FILE_EPS}) {
+    const std::string path = folder.file("image" + std::to_string(format));
+    ZEP_image_set_outfilename(source, path.c_str());
+    ASSERT_EQ(ZEP_image_write(source, 0, format, ZEP_ACTION_DATA), 0u) << format;
+    ScopedImage copy;
+    ZEP_image_set_infilename(copy, path.c_str());
+    ZEP_image_set_parameter(copy, ZEP_LINES_THIS_STRIP, 3);
+    ASSERT_EQ(ZEP_image_read(copy, 0, ZEP_ACTION_DATA), 0u) << format;
+    EXPECT_EQ(get(copy, ZEP_IMAGE_TYPE), unsigned{ZEP_RGB24});
+    EXPECT_EQ(vrc::test::line_bytes(copy, 2, 18), vrc::test::line_bytes(source, 2, 18)) << format;
+
+    // A named format is never read, even the right one.
+    EXPECT_EQ(ZEP_image_read(copy, format, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
+    EXPECT_EQ(errors.last().function, "ZEP_image_read");
+    EXPECT_EQ(errors.last().message, "Unsupported/unrecognized image format");
+  }
+}
+
+TEST(Dispatch, UnknownFormatsAndUnreadableFiles) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
+  ZEP_image_set_outfilename(image, folder.file("x").c_str());
+  EXPECT_EQ(ZEP_image_write(image, 0, 2, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
+  EXPECT_EQ(errors.last().function, "ZEP_image_write");
+  EXPECT_EQ(errors.last().message, "Unsupported/unrecognized image format");
+
+  vrc::test::write_file(folder.file("text"), std::string("plain text"));
+  ZEP_image_set_infilename(image, folder.file("text").c_str());
+  EXPECT_EQ(ZEP_image_read(image, 0, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
+  EXPECT_EQ(errors.last().message, "Unsupported/unrecognized image format");
+
+  ZEP_image_set_infilename(image, folder.file("missing").c_str());
+  errors.clear();
+  EXPECT_EQ(ZEP_image_read(image, 0, ZEP_ACTION_DATA), ZEP_ERR_OPEN);
+  ASSERT_EQ(errors.count(), 2u);
+  EXPECT_EQ(errors.all()[0].function, "ZEP_image_find_file_format");
+  EXPECT_EQ(errors.all()[1].function, "ZEP_image_read");
+  EXPECT_EQ(errors.all()[1].message, "Failed to recognise file format");
+}
+
+TEST(RawData, SixteenBitSamplesAreWrittenWithoutPadding) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  vrc::test::make_pattern_image(image, 3, 2, ZEP_Y16);
+  ZEP_image_set_parameter(image, ZEP_LINE_ALIGN, 4);
+  ZEP_image_check(image);
+  ASSERT_EQ(get(image, ZEP_BYTES_PER_LINE), 8u);
+  ZEP_image_set_outfilename(image, folder.file("y16.raw").c_str());
+  ASSERT_EQ(ZEP_image_write(image, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);
+  const Bytes file = vrc::test::read_file(folder.file("y16.raw"));
+  ASSERT_EQ(file.size(), 12u);
+  EXPECT_EQ(Bytes(file.begin() + 6, file.end()), vrc::test::line_bytes(image, 1, 6));
+}
+
+TEST(RawData, OtherFormatsAreWrittenLineByLineWithTheirPadding) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  vrc::test::make_pattern_image(image, 3, 2, ZEP_RGB24);
+  ZEP_image_set_outfilename(image, folder.file("rgb.raw").c_str());
+  ASSERT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
+  EXPECT_EQ(vrc::test::read_file(folder.file("rgb.raw")), vrc::test::line_bytes(image, 0, 20));
+}
+
+TEST(RawData, StripsGoToTheSameFileUntilClosed) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage whole;
+  vrc::test::make_pattern_image(whole, 4, 5, ZEP_Y8);
+  ScopedImage strip;
+  ZEP_image_set_outfilename(strip, folder.file("strips.raw").c_str());
+  for (uint32_t first = 0; first < 5; first += 2) {
+    const uint32_t lines = std::min(2u, 5 - first);
+    ZEP_ImageMake(strip, 4, 5, ZEP_Y8, 0);
+    ZEP_image_set_parameter(strip, ZEP_LINES_THIS_STRIP, lines);
+    ZEP_image_check(strip);
+    auto *data = static_cast<uint8_t *>(ZEP_image_get_ptr(strip, ZEP_DATA_PTR));
+    const Bytes part = vrc::test::line_bytes(whole, first, 4 * lines);
+    std::copy(part.begin(), part.end(), data);
+    ASSERT_EQ(ZEP_write_raw_data_file(strip, ZEP_ACTION_DATA), 0u);
+  }
+  ASSERT_EQ(ZEP_write_raw_data_file(strip, ZEP_ACTION_CLOSE), 0u);
+  EXPECT_EQ(vrc::test::read_file(folder.file("strips.raw")), vrc::test::line_bytes(whole, 0, 20));
+}
+
+TEST(RawData, Refusals) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  ZEP_ImageMake(image, 2, 2, ZEP_CMYK32, 0);
+  ZEP_image_set_outfilename(image, folder.file("c.raw").c_str());
+  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
+  EXPECT_EQ(errors.last().message, "Unsupported image format");
+  ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
+  ZEP_image_set_outfilename(image, folder.file("none/c.raw").c_str());
+  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_OPEN);
+  EXPECT_EQ(errors.last().message, "Failed to create file");
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 0);
+  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
+}
+
+// Well-formed seeds for every reader, in every format each one reads.
+TEST(FuzzSeeds, WrittenForEveryReader) {
+  ErrorCapture errors;
+  TempDir folder;
+  struct Writer {
+    const char *target;
+    const char *extension;
+    uint16_t format;
+    std::vector<uint16_t> types;
+  };
+  const Writer writers[] = {
+      {"bmp_read_fuzz", "bmp", ZEP_FILE_BMP, {ZEP_Y8, ZEP_PALETTED, ZEP_RGB24}},
+      {"tiff_read_fuzz", "tif", ZEP_FILE_TIFF, {ZEP_Y8, ZEP_Y16, ZEP_PALETTED, ZEP_RGB24, ZEP_YUV422, ZEP_Y1}},
+      {"eps_read_fuzz", "eps", ZEP_FILE_EPS, {ZEP_Y8, ZEP_PALETTED, ZEP_RGB24, ZEP_Y1}},
+  };
+  for (const Writer &writer : writers) {
+    for (uint16_t type : writer.types) {
+      ScopedImage image;
+      vrc::test::make_pattern_image(image, 5, 3, type);
+      if (type == ZEP_PALETTED) ZEP_image_set_parameter(image, ZEP_CMAP_COLOURS, 256);
+      const std::string path = folder.file("seed");
+      ZEP_image_set_outfilename(image, path.c_str());
+      ASSERT_EQ(ZEP_image_write(image, 0, writer.format, ZEP_ACTION_DATA), 0u);
+      const Bytes file = vrc::test::read_file(path);
+      const std::string name = "type" + std::to_string(type) + "." + writer.extension;
+      vrc::test::write_seed(writer.target, name, file);
+      vrc::test::write_seed("format_detect_fuzz", std::string(writer.target) + "_" + name, file);
+    }
+  }
+  EXPECT_EQ(errors.count(), 0u);
+}
+
+}  // namespace
