@@ -1,0 +1,58 @@
+// zep: pieces shared by the commands of the command-line tool.
+#pragma once
+
+#include "vrcw32/zep.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace zep_tool {
+
+// Exit statuses.
+inline constexpr int kSuccess = 0;
+inline constexpr int kFailure = 1;
+inline constexpr int kUsage = 2;
+
+// Pixel-format and file-format names as the user types and reads them.
+const char *type_name(uint32_t type);
+std::optional<uint16_t> type_from_name(std::string_view name);
+const char *format_name(uint32_t format);
+std::optional<uint16_t> format_from_name(std::string_view name);
+// The file format a file name's extension suggests (.bmp, .tif, .tiff, .eps, .raw).
+std::optional<uint16_t> format_from_extension(std::string_view path);
+
+// Starts the library and prints every reported failure as one line on standard error.
+void start_library();
+
+// Fits a path into an image's 127-character name field; false (with a message) when too long.
+bool path_fits(const char *path);
+
+// An image handle destroyed at the end of the scope.
+class Image {
+ public:
+  Image() : m_handle(ZEP_image_create()) {}
+  ~Image() {
+    if (!ZEP_IS_ERROR(m_handle)) ZEP_image_destroy(m_handle);
+  }
+  Image(const Image &) = delete;
+  Image &operator=(const Image &) = delete;
+  uint32_t handle() const { return m_handle; }
+  bool created() const { return !ZEP_IS_ERROR(m_handle); }
+
+ private:
+  uint32_t m_handle;
+};
+
+// Reads the whole of `path` into `image` as one strip; the library's status.
+uint32_t read_whole_image(uint32_t image, const char *path);
+// Writes `image` to `path` in `format`; the library's status.
+uint32_t write_image(uint32_t image, const char *path, uint16_t format);
+// Whether `format` can store pixels of `type` as they are.
+bool format_accepts(uint16_t format, uint32_t type);
+
+int run_demo(int argc, char **argv);
+int run_info(int argc, char **argv);
+int run_convert(int argc, char **argv);
+
+}  // namespace zep_tool
