@@ -11,9 +11,8 @@ namespace vrc::core {
 // The record of a live handle, or null for 0, an empty slot or a value outside the table.
 ZEP_IMAGE *image_record(uint32_t handle);
 
-// Takes the lowest free slot for `record`; returns its handle, or 0 when the table is full.
-// Caller holds the library lock.
-uint32_t table_insert(ZEP_IMAGE *record);
+// The lowest free slot, or 0 when the table is full. Caller holds the library lock.
+uint32_t table_lowest_free();
 
 // Stores `record` (null empties the slot) in slot `handle`. Caller holds the library lock.
 void table_store(uint32_t handle, ZEP_IMAGE *record);

@@ -48,6 +48,9 @@ ZEP_JPEG_RECORD *jpeg_record_create();
 // Frees the record's data (not the record).
 void jpeg_record_free_data(ZEP_JPEG_RECORD *record);
 
+// Copies the quality scale, comment block and marker fields (not the file, data or position).
+void jpeg_record_copy_parameters(const ZEP_JPEG_RECORD &source, ZEP_JPEG_RECORD &destination);
+
 // Closes the record's file, frees its data and the record.
 void jpeg_record_destroy(ZEP_JPEG_RECORD *record);
 

@@ -27,3 +27,21 @@ uint8_t *scratch_buffer(Scratch slot, std::size_t bytes);
 void free_scratch_buffers();
 
 }  // namespace vrc::core
+
+namespace vrc::core {
+
+// Called by the core only.
+void run_startup_hooks();
+void run_teardown_hooks();
+
+}  // namespace vrc::core
+
+namespace vrc::core {
+
+// The JPEG codec registers its decompressor here; ZEP_image_copy of an image holding JPEG data
+// calls it. Without a codec such a copy fails with 0x10070000.
+using JpegDecompressor = uint32_t (*)(uint32_t jpeg_image, uint32_t destination);
+bool register_jpeg_decompressor(JpegDecompressor decompress);
+JpegDecompressor jpeg_decompressor();
+
+}  // namespace vrc::core

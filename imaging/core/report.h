@@ -26,3 +26,11 @@ uint32_t api_guard(const char *function_name, Body body) noexcept {
 }
 
 }  // namespace vrc::core
+
+namespace vrc::core {
+
+// The record of `handle`; for an unknown handle, reports 0x10040000 with an empty text under
+// `function_name` and returns null.
+ZEP_IMAGE *record_or_report(uint32_t handle, const char *function_name);
+
+}  // namespace vrc::core

@@ -1,0 +1,133 @@
+// Creation and destruction of image records, and their strip buffers.
+#include "imaging/core/handle_table.h"
+#include "imaging/core/init.h"
+#include "imaging/core/jpeg_record.h"
+#include "imaging/core/library_hooks.h"
+#include "imaging/core/report.h"
+#include "vrcw32/zep_core.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kCmapBytes = 256 * 4;
+constexpr uint8_t kFreshFill = 0xAA;  // every byte of a new colour map
+
+class LibraryLock {
+ public:
+  LibraryLock() { ZEP_CriticalSectionBegin(); }
+  ~LibraryLock() { ZEP_CriticalSectionEnd(); }
+  LibraryLock(const LibraryLock &) = delete;
+  LibraryLock &operator=(const LibraryLock &) = delete;
+};
+
+void set_defaults(ZEP_IMAGE &image) {
+  image.height = 32767;
+  image.line_align = 2;
+  image.current_frame = 1;
+  image.lines_this_strip = 8;
+}
+
+void release_data(ZEP_IMAGE &image) {
+  if ((image.flags & ZEP_FLAG_LOCKED) == 0) {
+    std::free(image.data);
+    image.data = nullptr;
+  }
+  if (image.jpeg != nullptr) vrc::core::jpeg_record_free_data(image.jpeg);
+}
+
+void destroy_one(uint32_t handle, ZEP_IMAGE *image) {
+  image->flags &= ~ZEP_FLAG_LOCKED;
+  {
+    LibraryLock lock;
+    release_data(*image);
+  }
+  std::free(image->cmap);
+  std::free(image->cmap_info);
+  vrc::core::jpeg_record_destroy(image->jpeg);
+  std::free(image);
+  LibraryLock lock;
+  vrc::core::table_store(handle, nullptr);
+}
+
+uint32_t destroy_all() {
+  {
+    LibraryLock lock;
+    vrc::core::table_for_each(destroy_one);
+  }
+  vrc::core::run_teardown_hooks();
+  LibraryLock lock;
+  vrc::core::free_scratch_buffers();
+  return 0;
+}
+
+uint32_t destroy_if_none_left() {
+  LibraryLock lock;
+  if (vrc::core::table_any_occupied()) return ZEP_ERR_INTERNAL;
+  vrc::core::free_scratch_buffers();
+  return 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+uint32_t ZEP_image_create(void) {
+  return vrc::core::api_guard("ZEP_image_create", []() -> uint32_t {
+    vrc::core::ensure_initialised();
+    ZEP_CriticalSectionBegin();
+    uint32_t handle = vrc::core::table_lowest_free();
+    if (handle == 0) {
+      ZEP_CriticalSectionEnd();
+      return vrc::core::report("ZEP_image_create", ZEP_ERR_NO_HANDLES, "Run out of image handles");
+    }
+    auto *image = static_cast<ZEP_IMAGE *>(std::calloc(1, sizeof(ZEP_IMAGE)));
+    if (image == nullptr) {
+      ZEP_CriticalSectionEnd();
+      return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY | 1);
+    }
+    vrc::core::table_store(handle, image);
+    ZEP_CriticalSectionEnd();
+    set_defaults(*image);
+    image->cmap = static_cast<uint8_t *>(std::malloc(kCmapBytes));
+    if (image->cmap == nullptr) return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY);
+    std::memset(image->cmap, kFreshFill, kCmapBytes);
+    return handle;
+  });
+}
+
+uint32_t ZEP_image_destroy(uint32_t handle) {
+  if (handle == ZEP_ALL_IMAGES) return destroy_all();
+  if (handle == ZEP_ANY_IMAGES_LEFT) return destroy_if_none_left();
+  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) destroy_one(handle, image);
+  return 0;
+}
+
+uint32_t ZEP_ImageUnlockAndDestroy(uint32_t handle) {
+  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) image->flags &= ~ZEP_FLAG_LOCKED;
+  return ZEP_image_destroy(handle);
+}
+
+uint32_t ZEP_image_malloc_a_strip(uint32_t handle) {
+  ZEP_IMAGE *image = vrc::core::image_record(handle);
+  if (image != nullptr && (image->flags & ZEP_FLAG_LOCKED) != 0 && image->data != nullptr) return 0;
+  uint32_t status = ZEP_image_check(handle);
+  if (status != 0) return vrc::core::report("ZEP_image_malloc_a_strip", status, "Corrupt image");
+  uint64_t bytes = uint64_t{image->bytes_per_line} * image->lines_this_strip;
+  image->data = static_cast<uint8_t *>(std::malloc(bytes == 0 ? 1 : bytes));
+  if (image->data == nullptr)
+    return vrc::core::report("ZEP_image_malloc_a_strip",
+                             ZEP_ERR_MEMORY | static_cast<uint32_t>(bytes & 0xFFFF));
+  return 0;
+}
+
+uint32_t ZEP_image_free_data(uint32_t handle) {
+  ZEP_IMAGE *image = vrc::core::record_or_report(handle, "ZEP_image_free_data");
+  if (image == nullptr) return ZEP_ERR_HANDLE;
+  LibraryLock lock;
+  release_data(*image);
+  return 0;
+}
+
+}  // extern "C"
