@@ -19,6 +19,17 @@ bool type_in(uint16_t type, std::span<const uint16_t> types) {
   return std::find(types.begin(), types.end(), type) != types.end();
 }
 
+uint32_t paletted_needs_map(const char *member_name, const ZEP_IMAGE &src) {
+  if (src.type == ZEP_PALETTED && src.cmap == nullptr)
+    return core::report(member_name, ZEP_ERR_STATE, "Colourmap is NULL");
+  return ZEP_OK;
+}
+
+std::span<const uint8_t> colour_map_of(const ZEP_IMAGE &image) {
+  if (image.cmap == nullptr) return {};
+  return {image.cmap, ZEP_CMAP_ENTRIES * ZEP_CMAP_ENTRY_BYTES};
+}
+
 namespace {
 
 // Gives `dst` the parameters of `src` and the member's output type.
