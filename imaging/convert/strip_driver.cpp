@@ -135,6 +135,10 @@ void for_each_row(const StripJob &job, const RowLayout &layout,
     uint8_t *dst_row = job.dst.data + dst_at;
     if (dst_at + layout.dst_row_bytes <= dst_bytes) {
       row(src_row, dst_row, line);
+      // Line padding is written as zeros, so that a strip holds no stale bytes.
+      const uint64_t padding_end = std::min<uint64_t>(dst_at + layout.dst_stride, dst_bytes);
+      if (padding_end > dst_at + layout.dst_row_bytes)
+        std::memset(dst_row + layout.dst_row_bytes, 0, padding_end - dst_at - layout.dst_row_bytes);
     } else {
       dst_spill.assign(layout.dst_row_bytes, 0);
       row(src_row, dst_spill.data(), line);
