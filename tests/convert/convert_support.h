@@ -84,4 +84,22 @@ inline Bytes random_bytes(size_t n, uint32_t seed) {
   return bytes;
 }
 
+inline uint32_t pixel_bytes(uint16_t type) {
+  switch (type) {
+    case ZEP_Y8: case ZEP_PALETTED: case ZEP_RGB8: return 1;
+    case ZEP_RGB15: case ZEP_RGB16: case ZEP_YUV422: case ZEP_Y16: return 2;
+    case ZEP_RGB24: case ZEP_BGR24: return 3;
+    default: return 4;
+  }
+}
+
+// Random pixels of an image of `type`, with zero line padding.
+inline Bytes random_image(uint16_t type, uint32_t width, uint32_t height, uint32_t seed, uint32_t line_align = 2) {
+  const uint32_t line = bytes_per_line(type, width, line_align);
+  const uint32_t used = width * pixel_bytes(type);
+  Bytes bytes = random_bytes(size_t{line} * height, seed);
+  for (uint32_t y = 0; y < height; ++y) std::fill(bytes.begin() + y * line + used, bytes.begin() + (y + 1) * line, 0);
+  return bytes;
+}
+
 }  // namespace vrc::test
