@@ -25,17 +25,6 @@ constexpr uint16_t kAnyColourSources[] = {
     ZEP_PALETTED, ZEP_Y8,     ZEP_Y16,    ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24,
     ZEP_BGR24,    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
 
-uint32_t needs_colour_map(const char *member_name, const ZEP_IMAGE &src) {
-  if (src.type == ZEP_PALETTED && src.cmap == nullptr)
-    return core::report(member_name, ZEP_ERR_STATE, "Colourmap is NULL");
-  return ZEP_OK;
-}
-
-std::span<const uint8_t> colour_map_of(const ZEP_IMAGE &image) {
-  if (image.cmap == nullptr) return {};
-  return {image.cmap, ZEP_CMAP_ENTRIES * ZEP_CMAP_ENTRY_BYTES};
-}
-
 // Runs `write(rgb_row, dst_row, line)` on every row after reading the source row into triples.
 template <typename Write>
 uint32_t through_rgb(const StripJob &job, const RowLayout &layout, Write write) {
@@ -168,7 +157,7 @@ VRC_DIRECT_MEMBER(ZEP_convert_to_XRGB32, ZEP_XRGB32, kDirectSources, direct_work
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB15, ZEP_RGB15, kDirectSources, direct_worker, nullptr)
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB16, ZEP_RGB16, kDirectSources, direct_worker, nullptr)
 VRC_DIRECT_MEMBER(ZEP_convert_to_Y16, ZEP_Y16, kY16Sources, y16_worker, nullptr)
-VRC_DIRECT_MEMBER(ZEP_convert_to_CMYK32, ZEP_CMYK32, kAnyColourSources, cmyk_worker, needs_colour_map)
-VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8, ZEP_RGB8, kAnyColourSources, rgb8_worker<false>, needs_colour_map)
+VRC_DIRECT_MEMBER(ZEP_convert_to_CMYK32, ZEP_CMYK32, kAnyColourSources, cmyk_worker, paletted_needs_map)
+VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8, ZEP_RGB8, kAnyColourSources, rgb8_worker<false>, paletted_needs_map)
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8_dither, ZEP_RGB8, kAnyColourSources, rgb8_worker<true>,
-                  needs_colour_map)
+                  paletted_needs_map)

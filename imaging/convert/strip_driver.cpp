@@ -19,6 +19,17 @@ bool type_in(uint16_t type, std::span<const uint16_t> types) {
   return std::find(types.begin(), types.end(), type) != types.end();
 }
 
+uint32_t paletted_needs_map(const char *member_name, const ZEP_IMAGE &src) {
+  if (src.type == ZEP_PALETTED && src.cmap == nullptr)
+    return core::report(member_name, ZEP_ERR_STATE, "Colourmap is NULL");
+  return ZEP_OK;
+}
+
+std::span<const uint8_t> colour_map_of(const ZEP_IMAGE &image) {
+  if (image.cmap == nullptr) return {};
+  return {image.cmap, ZEP_CMAP_ENTRIES * ZEP_CMAP_ENTRY_BYTES};
+}
+
 namespace {
 
 // Gives `dst` the parameters of `src` and the member's output type.
@@ -124,6 +135,10 @@ void for_each_row(const StripJob &job, const RowLayout &layout,
     uint8_t *dst_row = job.dst.data + dst_at;
     if (dst_at + layout.dst_row_bytes <= dst_bytes) {
       row(src_row, dst_row, line);
+      // Line padding is written as zeros, so that a strip holds no stale bytes.
+      const uint64_t padding_end = std::min<uint64_t>(dst_at + layout.dst_stride, dst_bytes);
+      if (padding_end > dst_at + layout.dst_row_bytes)
+        std::memset(dst_row + layout.dst_row_bytes, 0, padding_end - dst_at - layout.dst_row_bytes);
     } else {
       dst_spill.assign(layout.dst_row_bytes, 0);
       row(src_row, dst_spill.data(), line);

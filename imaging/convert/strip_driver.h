@@ -71,7 +71,12 @@ RowLayout padded_layout(const StripJob &job, uint32_t src_bytes_per_pixel,
 void for_each_row(const StripJob &job, const RowLayout &layout,
                   const std::function<void(const uint8_t *, uint8_t *, uint32_t)> &row);
 
-// Member state blocks and tables are defined next to the members.
+// Source check of members that read paletted sources: the map must exist.
+uint32_t paletted_needs_map(const char *member_name, const ZEP_IMAGE &src);
+
+// The 256-entry map of `image` as bytes, empty without one.
+std::span<const uint8_t> colour_map_of(const ZEP_IMAGE &image);
+
 bool type_in(uint16_t type, std::span<const uint16_t> types);
 
 }  // namespace vrc::convert

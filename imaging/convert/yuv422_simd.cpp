@@ -1,0 +1,127 @@
+// SSE2 and AVX2 versions of the YUV 4:2:2 row kernels. Each section defines the lane primitives
+// for its vector width and then instantiates the shared kernel text; the AVX2 section's
+// functions carry the avx2 target so that the library itself needs no special flags.
+#include "imaging/convert/yuv422_rows.h"
+
+#include <immintrin.h>
+
+#include <cstring>
+
+namespace vrc::convert {
+
+// Copies the 12 pixel bytes of 4 RGBX pixels (X = 0) held in a 128-bit vector, dropping the
+// X bytes, with SSE2 shifts: each 64-bit half is closed up to 6 bytes, then the halves join.
+inline void store_rgb24_from_rgbx(uint8_t *out, __m128i rgbx) {
+  const __m128i low3 = _mm_set1_epi64x(0x0000000000FFFFFF);
+  const __m128i high3 = _mm_set1_epi64x(0x0000FFFFFF000000);
+  const __m128i halves = _mm_or_si128(_mm_and_si128(rgbx, low3), _mm_and_si128(_mm_srli_epi64(rgbx, 8), high3));
+  const __m128i joined =
+      _mm_or_si128(_mm_move_epi64(halves), _mm_srli_si128(_mm_unpackhi_epi64(_mm_setzero_si128(), halves), 2));
+  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), joined);
+  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(joined, 8));
+  std::memcpy(out + 8, &tail, 4);
+}
+
+namespace sse2 {
+
+using V = __m128i;
+#define VRC_TARGET
+
+inline V load(const uint8_t *p) { return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p)); }
+inline V set16(int16_t v) { return _mm_set1_epi16(v); }
+inline V set32(int32_t v) { return _mm_set1_epi32(v); }
+inline V and16(V a, V b) { return _mm_and_si128(a, b); }
+inline V or16(V a, V b) { return _mm_or_si128(a, b); }
+inline V add16(V a, V b) { return _mm_add_epi16(a, b); }
+inline V sub16(V a, V b) { return _mm_sub_epi16(a, b); }
+inline V mulhi16(V a, V b) { return _mm_mulhi_epi16(a, b); }
+inline V madd16(V a, V b) { return _mm_madd_epi16(a, b); }
+inline V min16(V a, V b) { return _mm_min_epi16(a, b); }
+inline V max16(V a, V b) { return _mm_max_epi16(a, b); }
+template <int N> V srli16(V a) { return _mm_srli_epi16(a, N); }
+template <int N> V slli16(V a) { return _mm_slli_epi16(a, N); }
+template <int N> V srli32(V a) { return _mm_srli_epi32(a, N); }
+template <int N> V slli32(V a) { return _mm_slli_epi32(a, N); }
+template <int N> V srai32(V a) { return _mm_srai_epi32(a, N); }
+
+inline void store_words16(uint8_t *out, V words) { _mm_storeu_si128(reinterpret_cast<__m128i *>(out), words); }
+
+// Pixels whose bytes 0-1 are in `w0` and bytes 2-3 in `w1`, lane by lane.
+template <RgbLayout Layout>
+void store_pixels(uint8_t *out, V w0, V w1) {
+  const V lo = _mm_unpacklo_epi16(w0, w1);
+  const V hi = _mm_unpackhi_epi16(w0, w1);
+  if constexpr (layout_bytes(Layout) == 3) {
+    store_rgb24_from_rgbx(out, lo);
+    store_rgb24_from_rgbx(out + 12, hi);
+  } else {
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out), lo);
+    _mm_storeu_si128(reinterpret_cast<__m128i *>(out + 16), hi);
+  }
+}
+
+#include "imaging/convert/yuv422_simd_kernel.inc"
+#undef VRC_TARGET
+
+}  // namespace sse2
+
+namespace avx2 {
+
+using V = __m256i;
+#define VRC_TARGET __attribute__((target("avx2")))
+
+VRC_TARGET inline V load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
+VRC_TARGET inline V set16(int16_t v) { return _mm256_set1_epi16(v); }
+VRC_TARGET inline V set32(int32_t v) { return _mm256_set1_epi32(v); }
+VRC_TARGET inline V and16(V a, V b) { return _mm256_and_si256(a, b); }
+VRC_TARGET inline V or16(V a, V b) { return _mm256_or_si256(a, b); }
+VRC_TARGET inline V add16(V a, V b) { return _mm256_add_epi16(a, b); }
+VRC_TARGET inline V sub16(V a, V b) { return _mm256_sub_epi16(a, b); }
+VRC_TARGET inline V mulhi16(V a, V b) { return _mm256_mulhi_epi16(a, b); }
+VRC_TARGET inline V madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
+VRC_TARGET inline V min16(V a, V b) { return _mm256_min_epi16(a, b); }
+VRC_TARGET inline V max16(V a, V b) { return _mm256_max_epi16(a, b); }
+template <int N> VRC_TARGET V srli16(V a) { return _mm256_srli_epi16(a, N); }
+template <int N> VRC_TARGET V slli16(V a) { return _mm256_slli_epi16(a, N); }
+template <int N> VRC_TARGET V srli32(V a) { return _mm256_srli_epi32(a, N); }
+template <int N> VRC_TARGET V slli32(V a) { return _mm256_slli_epi32(a, N); }
+template <int N> VRC_TARGET V srai32(V a) { return _mm256_srai_epi32(a, N); }
+
+VRC_TARGET inline void store_words16(uint8_t *out, V words) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), words);
+}
+
+// 4 RGBX pixels per 128-bit lane to 12 bytes per lane: one in-lane byte shuffle.
+VRC_TARGET inline void store_rgb24_lane(uint8_t *out, __m128i rgbx) {
+  const __m128i closed = _mm_shuffle_epi8(rgbx, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
+  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), closed);
+  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(closed, 8));
+  std::memcpy(out + 8, &tail, 4);
+}
+
+// The lanes hold pixels 0-7 and 8-15; unpacking keeps to lanes, so the four quarters are put
+// back in pixel order on the way out.
+template <RgbLayout Layout>
+VRC_TARGET void store_pixels(uint8_t *out, V w0, V w1) {
+  const V lo = _mm256_unpacklo_epi16(w0, w1);  // pixels 0-3 | 8-11
+  const V hi = _mm256_unpackhi_epi16(w0, w1);  // pixels 4-7 | 12-15
+  if constexpr (layout_bytes(Layout) == 3) {
+    store_rgb24_lane(out, _mm256_castsi256_si128(lo));
+    store_rgb24_lane(out + 12, _mm256_castsi256_si128(hi));
+    store_rgb24_lane(out + 24, _mm256_extracti128_si256(lo, 1));
+    store_rgb24_lane(out + 36, _mm256_extracti128_si256(hi, 1));
+  } else {
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), _mm256_permute2x128_si256(lo, hi, 0x20));
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), _mm256_permute2x128_si256(lo, hi, 0x31));
+  }
+}
+
+#include "imaging/convert/yuv422_simd_kernel.inc"
+#undef VRC_TARGET
+
+}  // namespace avx2
+
+const Yuv422Kernels &yuv422_kernels_sse2() { return sse2::kKernels; }
+const Yuv422Kernels &yuv422_kernels_avx2() { return avx2::kKernels; }
+
+}  // namespace vrc::convert
