@@ -29,7 +29,7 @@ struct FormatName {
 };
 
 constexpr FormatName kFormats[] = {
-    {ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tiff"}, {ZEP_FILE_EPS, "eps"}, {ZEP_FILE_RAW, "raw"}, {ZEP_FILE_JPEG, "jpeg"},
+    {ZEP_FILE_BMP, "BMP"}, {ZEP_FILE_TIFF, "TIFF"}, {ZEP_FILE_EPS, "EPS"}, {ZEP_FILE_RAW, "RAW"}, {ZEP_FILE_JPEG, "JPEG"},
 };
 
 std::string upper(std::string_view text) {
@@ -75,7 +75,7 @@ std::optional<uint16_t> format_from_name(std::string_view name) {
   const std::string wanted = upper(name);
   if (wanted == "TIF") return ZEP_FILE_TIFF;
   for (const FormatName &entry : kFormats) {
-    if (wanted == upper(entry.name)) return entry.format;
+    if (wanted == entry.name) return entry.format;
   }
   return std::nullopt;
 }
