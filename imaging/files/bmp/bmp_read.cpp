@@ -37,6 +37,8 @@ uint32_t ZEP_read_BMP_file_1_strip(ZEP_IMAGE &image, uint32_t first_line, std::F
   if (image.type != ZEP_PALETTED && image.type != ZEP_RGB24) {
     return core::report(kStripName, ZEP_ERR_UNSUPPORTED | image.type, message::kUnsupportedFormat);
   }
+  // Lines of no bytes (width 0) leave nothing to read, however many there are.
+  if (image.strip_bytes == 0) return ZEP_OK;
   const uint32_t bits = image.type == ZEP_PALETTED ? 8 : 24;
   const uint32_t pixel_bytes = bits / 8;
   const uint64_t row = row_bytes(image.width, bits);

@@ -135,6 +135,7 @@ void read_direct_header(TextReader &text, uint32_t handle, ZEP_IMAGE &image) {
 // Reads lines_this_strip lines of hex data; the end of the file leaves the rest as it is.
 void read_hex_data(TextReader &text, const ZEP_IMAGE &image) {
   const uint64_t count = line_bytes(image.type, image.width);
+  if (count == 0) return;  // empty lines: nothing to read, however many there are
   const bool odd = line_is_odd(image.type, image.width);
   uint64_t memory_offset = 0;
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {

@@ -247,6 +247,7 @@ void Reader::store_line(std::span<const uint8_t> file_line, uint64_t &memory_off
 }
 
 bool Reader::read_pixels() {
+  if (m_line_bytes == 0) return true;  // empty lines: nothing to read, however many there are
   const uint32_t height = m_image.height;
   uint32_t rows = m_directory.rows_per_strip;
   if (rows == 0 || rows == 0xFFFFFFFF) rows = height;
