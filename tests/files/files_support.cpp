@@ -2,6 +2,7 @@
 #include "files/files_support.h"
 
 #include <array>
+#include <utility>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -74,6 +75,28 @@ Bytes line_bytes(uint32_t handle, uint32_t line, uint32_t count) {
   const auto *data = static_cast<const uint8_t *>(ZEP_image_get_ptr(handle, ZEP_DATA_PTR));
   const uint32_t start = line * ZEP_image_get_parameter(handle, ZEP_BYTES_PER_LINE);
   return Bytes(data + start, data + start + count);
+}
+
+Bytes line_rgb(uint32_t handle, uint32_t line) {
+  const uint32_t type = ZEP_image_get_parameter(handle, ZEP_IMAGE_TYPE);
+  const uint32_t width = ZEP_image_get_parameter(handle, ZEP_IMAGE_WIDTH);
+  Bytes rgb;
+  if (type == ZEP_PALETTED) {
+    for (uint8_t index : line_bytes(handle, line, width)) {
+      const uint32_t colour = ZEP_cmap_get_RGB_colour(handle, index);
+      rgb.insert(rgb.end(), {uint8_t(colour >> 16), uint8_t(colour >> 8), uint8_t(colour)});
+    }
+    return rgb;
+  }
+  const uint32_t step = type == ZEP_BGRX32 ? 4 : 3;
+  const Bytes memory = line_bytes(handle, line, width * step);
+  for (uint32_t x = 0; x < width; ++x) rgb.insert(rgb.end(), memory.begin() + x * step, memory.begin() + x * step + 3);
+  return type == ZEP_RGB24 ? rgb : swap_red_blue(rgb);
+}
+
+Bytes swap_red_blue(Bytes pixels) {
+  for (std::size_t x = 0; x + 2 < pixels.size(); x += 3) std::swap(pixels[x], pixels[x + 2]);
+  return pixels;
 }
 
 std::string hex(const Bytes &bytes) {

@@ -50,6 +50,12 @@ void make_pattern_image(uint32_t handle, uint32_t width, uint32_t height, uint16
 // The `count` bytes at the start of line `line` of the image's strip.
 Bytes line_bytes(uint32_t handle, uint32_t line, uint32_t count);
 
+// The R, G, B bytes of every pixel of line `line` of an RGB24, BGR24 or BGRX32 image, or of a
+// paletted image through its colour map.
+Bytes line_rgb(uint32_t handle, uint32_t line);
+// The same bytes with each pixel's first and third byte swapped.
+Bytes swap_red_blue(Bytes pixels);
+
 // Lower-case hex of the bytes.
 std::string hex(const Bytes &bytes);
 

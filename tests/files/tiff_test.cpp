@@ -197,24 +197,6 @@ TEST(TiffOracle, TiffinfoParsesEveryFormat) {
   }
 }
 
-// The R, G, B bytes Pillow should see for line `line` of a written image.
-Bytes expected_rgb(uint32_t image, uint32_t line) {
-  const uint32_t width = get(image, ZEP_IMAGE_WIDTH);
-  const uint16_t type = static_cast<uint16_t>(get(image, ZEP_IMAGE_TYPE));
-  const uint32_t step = type == ZEP_BGRX32 ? 4 : 3;
-  const Bytes memory = vrc::test::line_bytes(image, line, width * step);
-  Bytes rgb;
-  for (uint32_t x = 0; x < width; ++x) {
-    const uint8_t *p = &memory[x * step];
-    if (type == ZEP_RGB24) {
-      rgb.insert(rgb.end(), {p[0], p[1], p[2]});
-    } else {
-      rgb.insert(rgb.end(), {p[2], p[1], p[0]});
-    }
-  }
-  return rgb;
-}
-
 TEST(TiffOracle, PillowSeesOurPixels) {
   ErrorCapture errors;
   TempDir folder;
@@ -225,7 +207,7 @@ TEST(TiffOracle, PillowSeesOurPixels) {
     ASSERT_EQ(write_tiff(image, path), 0u);
     Bytes expected;
     for (uint32_t line = 0; line < 3; ++line) {
-      const Bytes part = type == ZEP_Y8 ? vrc::test::line_bytes(image, line, 5) : expected_rgb(image, line);
+      const Bytes part = type == ZEP_Y8 ? vrc::test::line_bytes(image, line, 5) : vrc::test::line_rgb(image, line);
       expected.insert(expected.end(), part.begin(), part.end());
     }
     int status = 0;
@@ -267,7 +249,7 @@ TEST(TiffRoundTrip, EveryWrittenPixelFormatReadsBack) {
       Bytes expected;
       if (written == ZEP_Y8) expected = vrc::test::line_bytes(source, line, 7);
       else if (written == ZEP_Y16) expected = vrc::test::line_bytes(source, line, 14);
-      else expected = expected_rgb(source, line);
+      else expected = vrc::test::line_rgb(source, line);
       EXPECT_EQ(vrc::test::line_bytes(copy, line, static_cast<uint32_t>(expected.size())), expected)
           << "format " << written << " line " << line;
     }
