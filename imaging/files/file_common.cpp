@@ -70,6 +70,10 @@ void repack_pixels(std::span<const uint8_t> source, uint32_t source_step, ByteOr
   }
 }
 
+void write_bytes(std::FILE *file, std::span<const uint8_t> bytes) {
+  if (!bytes.empty()) std::fwrite(bytes.data(), 1, bytes.size(), file);
+}
+
 void copy_bounded(std::span<const uint8_t> source, std::span<uint8_t> target) {
   const std::size_t copied = std::min(source.size(), target.size());
   std::copy_n(source.begin(), copied, target.begin());

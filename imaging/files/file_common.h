@@ -68,6 +68,9 @@ inline constexpr ByteOrder kReversedOrder = {2, 1, 0};
 void repack_pixels(std::span<const uint8_t> source, uint32_t source_step, ByteOrder order,
                    std::span<uint8_t> target, uint64_t pixels);
 
+// Writes `bytes` to `file` (nothing for an empty span, whose data may be null).
+void write_bytes(std::FILE *file, std::span<const uint8_t> bytes);
+
 // Copies as much of `source` as fits into `target` and zero-fills the rest of `target`.
 void copy_bounded(std::span<const uint8_t> source, std::span<uint8_t> target);
 

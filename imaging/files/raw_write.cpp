@@ -47,7 +47,7 @@ void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
   std::vector<uint8_t> line(static_cast<std::size_t>(written));
   for (uint32_t y = 0; y < image.lines_this_strip; ++y) {
     copy_bounded(strip_line(image, y), line);
-    std::fwrite(line.data(), 1, line.size(), file);
+    write_bytes(file, line);
   }
 }
 

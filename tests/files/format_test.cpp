@@ -126,9 +126,8 @@ TEST(RawData, SixteenBitSamplesAreWrittenWithoutPadding) {
   ErrorCapture errors;
   TempDir folder;
   ScopedImage image;
-  vrc::test::make_pattern_image(image, 3, 2, ZEP_Y16);
   ZEP_image_set_parameter(image, ZEP_LINE_ALIGN, 4);
-  ZEP_image_check(image);
+  vrc::test::make_pattern_image(image, 3, 2, ZEP_Y16);
   ASSERT_EQ(get(image, ZEP_BYTES_PER_LINE), 8u);
   ZEP_image_set_outfilename(image, folder.file("y16.raw").c_str());
   ASSERT_EQ(ZEP_image_write(image, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);

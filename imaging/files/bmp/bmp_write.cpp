@@ -55,7 +55,7 @@ uint32_t ZEP_write_BMP_file_1_strip(const ZEP_IMAGE &image, std::FILE *file) {
   std::vector<uint8_t> source;
   for (uint32_t line = image.height; line-- > 0;) {
     build_row(image, line, row, source);
-    std::fwrite(row.data(), 1, row.size(), file);
+    write_bytes(file, row);
   }
   return ZEP_OK;
 }
@@ -75,7 +75,7 @@ uint32_t write_bmp(uint32_t handle) {
     if (const uint32_t status = ZEP_cmap_set_type(handle, 2, 0); ZEP_IS_ERROR(status)) return status;
   }
   const std::vector<uint8_t> header = build_header(*image, bits);
-  std::fwrite(header.data(), 1, header.size(), file.get());
+  write_bytes(file.get(), header);
   if (std::fseek(file.get(), data_offset(bits), SEEK_SET) != 0) {
     return core::report(kWriteName, ZEP_ERR_SYSTEM, message::kSeekFailed);
   }

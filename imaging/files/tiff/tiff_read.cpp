@@ -170,7 +170,7 @@ void Reader::read_palette() {
   std::vector<uint8_t> run(2 * std::size_t{entries});
   for (uint32_t component = 0; component < 3; ++component) {
     std::fill(run.begin(), run.end(), uint8_t{0});
-    if (seek(m_directory.colour_map_offset + uint64_t{component} * length * 2)) {
+    if (!run.empty() && seek(m_directory.colour_map_offset + uint64_t{component} * length * 2)) {
       static_cast<void>(std::fread(run.data(), 1, run.size(), m_file));
     }
     for (uint32_t entry = 0; entry < entries && m_image.cmap != nullptr; ++entry) {

@@ -204,7 +204,7 @@ void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
   std::vector<uint8_t> out;
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {
     build_line(image, line, source, out);
-    std::fwrite(out.data(), 1, out.size(), file);
+    write_bytes(file, out);
   }
 }
 
@@ -221,7 +221,7 @@ uint32_t write_tiff(uint32_t handle, uint16_t action) {
   if (!file) return core::report(kWriteName, ZEP_ERR_OPEN, message::kCreateFailed);
   std::setvbuf(file.get(), nullptr, _IOFBF, kWriteBufferBytes);
   const std::vector<uint8_t> header = build_header(*image, *format);
-  std::fwrite(header.data(), 1, header.size(), file.get());
+  write_bytes(file.get(), header);
 
   if (action != ZEP_ACTION_DATA) return finish_without_data(kWriteName, file, OpenSlot::TiffWrite, action);
   if (image->lines_this_strip < image->height) {
