@@ -22,6 +22,7 @@ constexpr char kFindName[] = "ZEP_image_find_file_format";
 constexpr char kReadName[] = "ZEP_image_read";
 constexpr char kWriteName[] = "ZEP_image_write";
 constexpr char kUnsupported[] = "Unsupported/unrecognized image format";
+constexpr uint32_t kFormatWithoutReader = 1;  // what a read that names its format stands for
 
 // 'M' or 'I', the magic 42, and a first directory entry whose field type is defined (1..11).
 bool is_tiff(std::FILE *file) {
@@ -60,11 +61,11 @@ uint32_t find_file_format(const char *path) {
   return file.close() ? format : core::report(kFindName, ZEP_ERR_CLOSE, message::kCloseFailed);
 }
 
-uint32_t read_image(uint32_t handle, uint16_t format) {
+uint32_t detect_for_reading(uint32_t handle, uint16_t format) {
   const ZEP_IMAGE *image = core::image_record(handle);
   if (image == nullptr) return core::report(kReadName, ZEP_ERR_HANDLE);
-  // Only detection reads: any named format stands for code 1, which has no reader.
-  uint32_t detected = 1;
+  // Only detection reads: a named format always ends as a format without a reader.
+  uint32_t detected = kFormatWithoutReader;
   if (format == ZEP_FILE_UNKNOWN) {
     detected = ZEP_image_find_file_format(image->infilename);
     if (ZEP_IS_ERROR(detected)) return core::report(kReadName, detected, "Failed to recognise file format");
@@ -85,7 +86,7 @@ extern "C" uint32_t ZEP_image_find_file_format(const char *path) {
 
 extern "C" uint32_t ZEP_image_read(uint32_t handle, uint16_t format, uint16_t action) {
   return api_guard(kReadName, [&] {
-    const uint32_t detected = read_image(handle, format);
+    const uint32_t detected = detect_for_reading(handle, format);
     if (ZEP_IS_ERROR(detected)) return detected;
     switch (detected) {
       case ZEP_FILE_TIFF: return ZEP_read_TIFF_file(handle, action);
