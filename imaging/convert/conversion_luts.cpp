@@ -47,7 +47,8 @@ constexpr const char *kGeneratorNames[] = {
     "ZEP_generate_Y16_to_paletted_LUT",   "ZEP_generate_YUV422_to_RGB16_LUT",
     "ZEP_generate_YUV422_to_RGB15_LUT",   "ZEP_generate_YUV422_to_paletted_LUT"};
 
-// Fills a table through `entry(index)` for every index, after the checks every generator makes.
+// Allocates table `id` for the image of `handle` and fills it through `fill(image, table)`, after
+// the checks every generator makes.
 template <typename Fill>
 uint32_t generate(uint16_t id, uint32_t handle, bool needs_map, Fill fill) {
   const char *name = kGeneratorNames[id - ZEP_LUT_RGB16_TO_PALETTED];
