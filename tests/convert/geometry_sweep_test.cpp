@@ -65,3 +65,27 @@ TEST_P(GeometrySweep, EveryMemberConvertsOrRefusesWithinItsStrips) {
 INSTANTIATE_TEST_SUITE_P(LineAlignments, GeometrySweep, ::testing::Values(1u, 2u, 4u));
 
 }  // namespace
+
+namespace {
+
+// A destination whose lines would not fit 32-bit lengths fails its check before anything is
+// allocated or written, and the member passes the check's code on.
+TEST(HugeImages, DestinationsBeyondThirtyTwoBitLinesAreRefused) {
+  ErrorCapture errors;
+  ScopedImage src, dst;
+  uint8_t pixels[16] = {};
+  ZEP_image_set_parameter(src, ZEP_IMAGE_TYPE, ZEP_Y8);
+  ZEP_image_set_parameter(src, ZEP_IMAGE_WIDTH, 1u << 30);
+  ZEP_image_set_parameter(src, ZEP_IMAGE_HEIGHT, 1);
+  ZEP_image_set_parameter(src, ZEP_LINES_THIS_STRIP, 1);
+  ZEP_image_set_ptr(src, ZEP_DATA_PTR, pixels);
+  ZEP_image_set_flags(src, ZEP_FLAG_LOCKED, 1);
+  EXPECT_EQ(ZEP_convert_to_RGBX32(src, dst, 3), 0x10050011u);
+  EXPECT_EQ(errors.last().function, "ZEP_convert_to_RGBX32");
+  EXPECT_EQ(errors.last().message, "Corrupt image");
+  EXPECT_EQ(record_of(dst).data, nullptr);
+  ZEP_convert_to_RGBX32(src, dst, 4);
+  ZEP_image_set_ptr(src, ZEP_DATA_PTR, nullptr);
+}
+
+}  // namespace
