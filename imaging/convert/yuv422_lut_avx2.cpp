@@ -1,11 +1,10 @@
 // AVX2 versions of the table-driven YUV 4:2:2 kernels: eight pixels' table indices are formed in
 // 32-bit lanes and their entries fetched with one gather; the 24/32-bit layouts widen the 5-6-5
 // value in the lanes. (Without a gather instruction, SSE2 gains nothing over the scalar lookups.)
+#include "imaging/convert/simd_store.h"
 #include "imaging/convert/yuv422_rows.h"
 
 #include <immintrin.h>
-
-#include <cstring>
 
 namespace vrc::convert {
 namespace {
@@ -61,16 +60,7 @@ VRC_TARGET void yuv422_lut_row_avx2(const uint8_t *yuv, uint8_t *out, uint32_t p
         pixels = _mm256_or_si256(_mm256_or_si256(place<1>(r), place<2>(g)), place<3>(b));
       }
       if constexpr (layout_bytes(Layout) == 3) {
-        const __m256i closed = _mm256_shuffle_epi8(
-            pixels, _mm256_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1,  //
-                                     0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
-        const __m128i low = _mm256_castsi256_si128(closed), high = _mm256_extracti128_si256(closed, 1);
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(out), low);
-        const int32_t low_tail = _mm_cvtsi128_si32(_mm_srli_si128(low, 8));
-        std::memcpy(out + 8, &low_tail, 4);
-        _mm_storel_epi64(reinterpret_cast<__m128i *>(out + 12), high);
-        const int32_t high_tail = _mm_cvtsi128_si32(_mm_srli_si128(high, 8));
-        std::memcpy(out + 20, &high_tail, 4);
+        store_lanes_as_3_bytes(out, pixels);
       } else {
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), pixels);
       }

@@ -1,11 +1,10 @@
 // SSE2 and AVX2 versions of the YUV 4:2:2 row kernels. Each section defines the lane primitives
 // for its vector width and then instantiates the shared kernel text; the AVX2 section's
 // functions carry the avx2 target so that the library itself needs no special flags.
+#include "imaging/convert/simd_store.h"
 #include "imaging/convert/yuv422_rows.h"
 
 #include <immintrin.h>
-
-#include <cstring>
 
 namespace vrc::convert {
 
@@ -17,9 +16,7 @@ inline void store_rgb24_from_rgbx(uint8_t *out, __m128i rgbx) {
   const __m128i halves = _mm_or_si128(_mm_and_si128(rgbx, low3), _mm_and_si128(_mm_srli_epi64(rgbx, 8), high3));
   const __m128i joined =
       _mm_or_si128(_mm_move_epi64(halves), _mm_srli_si128(_mm_unpackhi_epi64(_mm_setzero_si128(), halves), 2));
-  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), joined);
-  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(joined, 8));
-  std::memcpy(out + 8, &tail, 4);
+  store_12_bytes(out, joined);
 }
 
 namespace sse2 {
@@ -126,14 +123,6 @@ VRC_TARGET inline void store_words16(uint8_t *out, V words) {
   _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), words);
 }
 
-// 4 RGBX pixels per 128-bit lane to 12 bytes per lane: one in-lane byte shuffle.
-VRC_TARGET inline void store_rgb24_lane(uint8_t *out, __m128i rgbx) {
-  const __m128i closed = _mm_shuffle_epi8(rgbx, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
-  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), closed);
-  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(closed, 8));
-  std::memcpy(out + 8, &tail, 4);
-}
-
 // Pixels of bytes c0, c1, c2, c3 (16-bit lanes, clamped to 0..255 by the saturating packs). With
 // the quarters as load_pixels arranged them, `lo` holds pixels 0-7 and `hi` pixels 8-15.
 template <RgbLayout Layout>
@@ -145,10 +134,8 @@ VRC_TARGET void store_pixels(uint8_t *out, V c0, V c1, V c2, V c3) {
   const V lo = _mm256_unpacklo_epi16(c01, c23);
   const V hi = _mm256_unpackhi_epi16(c01, c23);
   if constexpr (layout_bytes(Layout) == 3) {
-    store_rgb24_lane(out, _mm256_castsi256_si128(lo));
-    store_rgb24_lane(out + 12, _mm256_extracti128_si256(lo, 1));
-    store_rgb24_lane(out + 24, _mm256_castsi256_si128(hi));
-    store_rgb24_lane(out + 36, _mm256_extracti128_si256(hi, 1));
+    store_lanes_as_3_bytes(out, lo);
+    store_lanes_as_3_bytes(out + 24, hi);
   } else {
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), lo);
     _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), hi);
