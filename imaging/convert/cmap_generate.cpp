@@ -55,15 +55,15 @@ uint32_t count_strip(const ZEP_IMAGE &image) {
   if (image.data == nullptr) return core::report(kStripName, ZEP_ERR_CORRUPT, "Image has no data");
   const uint32_t width = image.width;
   const uint32_t pixel = pixel_bytes(image.type);
-  const uint32_t row_bytes = width * pixel;
-  const uint32_t stride = row_bytes + (image.type == ZEP_Y16 ? 0 : (width & 1));
+  const uint64_t row_bytes = uint64_t{width} * pixel;
+  const uint64_t stride = row_bytes + (image.type == ZEP_Y16 ? 0 : (width & 1));
   const uint64_t extent = uint64_t{image.bytes_per_line} * image.lines_this_strip;
   const auto count = [&](uint32_t key) {
     if (key < info.histogram_size) ++info.histogram[key][1];
   };
   const auto grey_key = [&](uint8_t value) { return uint32_t{value} >> (8 - info.grey_bits); };
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {
-    const uint64_t at = uint64_t{stride} * line;
+    const uint64_t at = stride * line;
     const uint32_t pixels = at + row_bytes <= extent ? width : static_cast<uint32_t>(at < extent ? (extent - at) / pixel : 0);
     const uint8_t *row = image.data + at;
     for (uint32_t x = 0; x < pixels; ++x) {

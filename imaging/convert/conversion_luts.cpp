@@ -17,14 +17,26 @@ namespace vrc::convert {
 namespace {
 
 constexpr size_t kYuvTableEntries = size_t{1} << 19;
+// Bytes kept readable past a table's end: vector kernels read 32-bit words at 16-bit entries.
+constexpr size_t kReadSlack = 4;
 
-std::array<std::vector<uint8_t>, 6> g_tables;
+struct Table {
+  std::vector<uint8_t> storage;  // the entries, then kReadSlack zero bytes
+  size_t bytes = 0;
+};
 
-std::vector<uint8_t> &table_of(uint16_t id) { return g_tables[id - ZEP_LUT_RGB16_TO_PALETTED]; }
+std::array<Table, 6> g_tables;
+
+Table &table_of(uint16_t id) { return g_tables[id - ZEP_LUT_RGB16_TO_PALETTED]; }
+
+void release(Table &table) {
+  std::vector<uint8_t>().swap(table.storage);
+  table.bytes = 0;
+}
 
 void release_all_tables() {
   ZEP_CriticalSectionBegin();
-  for (auto &table : g_tables) std::vector<uint8_t>().swap(table);
+  for (Table &table : g_tables) release(table);
   ZEP_CriticalSectionEnd();
 }
 
@@ -35,7 +47,8 @@ constexpr const char *kGeneratorNames[] = {
     "ZEP_generate_Y16_to_paletted_LUT",   "ZEP_generate_YUV422_to_RGB16_LUT",
     "ZEP_generate_YUV422_to_RGB15_LUT",   "ZEP_generate_YUV422_to_paletted_LUT"};
 
-// Fills a table through `entry(index)` for every index, after the checks every generator makes.
+// Allocates table `id` for the image of `handle` and fills it through `fill(image, table)`, after
+// the checks every generator makes.
 template <typename Fill>
 uint32_t generate(uint16_t id, uint32_t handle, bool needs_map, Fill fill) {
   const char *name = kGeneratorNames[id - ZEP_LUT_RGB16_TO_PALETTED];
@@ -78,7 +91,7 @@ void fill_yuv_to_16bit(std::span<uint8_t> table, Pack pack) {
 
 uint32_t destroy(uint16_t id) {
   ZEP_CriticalSectionBegin();
-  std::vector<uint8_t>().swap(table_of(id));
+  release(table_of(id));
   ZEP_CriticalSectionEnd();
   return ZEP_OK;
 }
@@ -96,12 +109,19 @@ size_t lut_bytes(uint16_t id, const ZEP_IMAGE &image) {
   }
 }
 
-std::span<uint8_t> lut(uint16_t id) { return is_lut_id(id) ? std::span<uint8_t>(table_of(id)) : std::span<uint8_t>(); }
+std::span<uint8_t> lut(uint16_t id) {
+  if (!is_lut_id(id)) return {};
+  Table &table = table_of(id);
+  return {table.storage.data(), table.bytes};
+}
 
 std::span<uint8_t> lut_allocate(uint16_t id, size_t bytes) {
-  std::vector<uint8_t> &table = table_of(id);
-  if (table.size() != bytes) table.resize(bytes);
-  return table;
+  Table &table = table_of(id);
+  if (table.bytes != bytes) {
+    table.storage.assign(bytes + kReadSlack, 0);
+    table.bytes = bytes;
+  }
+  return {table.storage.data(), table.bytes};
 }
 
 const char *lut_failure_text(uint16_t id) {

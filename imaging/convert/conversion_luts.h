@@ -17,10 +17,11 @@ constexpr bool is_lut_id(uint16_t id) {
 // Bytes of table `id` for `image` (table 202 depends on the image's data width).
 size_t lut_bytes(uint16_t id, const ZEP_IMAGE &image);
 
-// The table, or an empty span when it has not been generated or loaded.
+// The table, or an empty span when it has not been generated or loaded. At least 4 bytes past its
+// end are readable (zeros), for kernels that read whole words at 16-bit entries.
 std::span<uint8_t> lut(uint16_t id);
 
-// The table with exactly `bytes` bytes, allocated or resized as needed (contents kept when the
+// The table with exactly `bytes` bytes, allocated or reallocated as needed (contents kept when the
 // size is unchanged); throws std::bad_alloc.
 std::span<uint8_t> lut_allocate(uint16_t id, size_t bytes);
 

@@ -75,8 +75,6 @@ GreyRowKernel grey_kernel(uint16_t type) {
 
 uint32_t y8_worker(const StripJob &job) {
   const uint16_t type = job.src.type;
-  if (type < ZEP_RGB15 || type > ZEP_Y16)
-    return core::report(job.worker_name, ZEP_ERR_UNSUPPORTED, "Unsupported image format");
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const uint32_t odd = width & 1;

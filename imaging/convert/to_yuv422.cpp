@@ -4,7 +4,6 @@
 #include "imaging/convert/rgb_rows.h"
 #include "imaging/convert/strip_driver.h"
 
-#include "imaging/core/report.h"
 
 #include <algorithm>
 #include <vector>
@@ -16,8 +15,6 @@ constexpr uint16_t kYuv422Sources[] = {ZEP_Y8,     ZEP_PALETTED, ZEP_RGB24, ZEP_
                                        ZEP_RGBX32, ZEP_BGRX32,   ZEP_XBGR32};
 
 uint32_t to_yuv422_worker(const StripJob &job) {
-  if (job.src.type < ZEP_Y8 || job.src.type > ZEP_XBGR32)
-    return core::report(job.worker_name, ZEP_ERR_UNSUPPORTED, "Unsupported image format");
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const uint32_t pairs = (width + 1) / 2;

@@ -46,7 +46,7 @@ uint32_t colour_lut_worker(const StripJob &job) {
   const std::span<const uint8_t> table =
       needed_lut(job, Layout == RgbLayout::rgb15 ? ZEP_LUT_YUV422_TO_RGB15 : ZEP_LUT_YUV422_TO_RGB16);
   if (table.empty()) return ZEP_ERR_STATE;
-  const Yuv422LutKernel kernel = yuv422_lut_kernel(Layout);
+  const Yuv422LutKernel kernel = yuv422_lut_kernel(Layout, active_simd_level());
   return walk_pairs(job, layout_bytes(Layout),
                     [&](const uint8_t *s, uint8_t *d, uint32_t pairs) { kernel(s, d, pairs, table.data()); });
 }

@@ -98,7 +98,9 @@ void store_hsi(uint8_t *p, Rgb16 c) {
 
 }  // namespace
 
-Yuv422LutKernel yuv422_lut_kernel(RgbLayout layout) { return kLutKernels[static_cast<int>(layout)]; }
+Yuv422LutKernel yuv422_lut_kernel(RgbLayout layout, SimdLevel level) {
+  return level == SimdLevel::avx2 ? yuv422_lut_kernel_avx2(layout) : kLutKernels[static_cast<int>(layout)];
+}
 
 void yuv422_to_hsi_row(const uint8_t *yuv, uint8_t *out, uint32_t pairs) {
   for (uint32_t i = 0; i < pairs; ++i, yuv += 4, out += 8) {

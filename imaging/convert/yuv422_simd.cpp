@@ -1,11 +1,10 @@
 // SSE2 and AVX2 versions of the YUV 4:2:2 row kernels. Each section defines the lane primitives
 // for its vector width and then instantiates the shared kernel text; the AVX2 section's
 // functions carry the avx2 target so that the library itself needs no special flags.
+#include "imaging/convert/simd_store.h"
 #include "imaging/convert/yuv422_rows.h"
 
 #include <immintrin.h>
-
-#include <cstring>
 
 namespace vrc::convert {
 
@@ -17,9 +16,7 @@ inline void store_rgb24_from_rgbx(uint8_t *out, __m128i rgbx) {
   const __m128i halves = _mm_or_si128(_mm_and_si128(rgbx, low3), _mm_and_si128(_mm_srli_epi64(rgbx, 8), high3));
   const __m128i joined =
       _mm_or_si128(_mm_move_epi64(halves), _mm_srli_si128(_mm_unpackhi_epi64(_mm_setzero_si128(), halves), 2));
-  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), joined);
-  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(joined, 8));
-  std::memcpy(out + 8, &tail, 4);
+  store_12_bytes(out, joined);
 }
 
 namespace sse2 {
@@ -44,13 +41,29 @@ template <int N> V srli32(V a) { return _mm_srli_epi32(a, N); }
 template <int N> V slli32(V a) { return _mm_slli_epi32(a, N); }
 template <int N> V srai32(V a) { return _mm_srai_epi32(a, N); }
 
+inline V duplicate_even16(V a) {
+  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(2, 2, 0, 0)), _MM_SHUFFLE(2, 2, 0, 0));
+}
+inline V duplicate_odd16(V a) {
+  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(3, 3, 1, 1)), _MM_SHUFFLE(3, 3, 1, 1));
+}
+
+template <RgbLayout>
+V load_pixels(const uint8_t *p) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+}
+
 inline void store_words16(uint8_t *out, V words) { _mm_storeu_si128(reinterpret_cast<__m128i *>(out), words); }
 
-// Pixels whose bytes 0-1 are in `w0` and bytes 2-3 in `w1`, lane by lane.
+// Pixels of bytes c0, c1, c2, c3 (16-bit lanes, clamped to 0..255 by the saturating packs).
 template <RgbLayout Layout>
-void store_pixels(uint8_t *out, V w0, V w1) {
-  const V lo = _mm_unpacklo_epi16(w0, w1);
-  const V hi = _mm_unpackhi_epi16(w0, w1);
+void store_pixels(uint8_t *out, V c0, V c1, V c2, V c3) {
+  const V c02 = _mm_packus_epi16(c0, c2);
+  const V c13 = _mm_packus_epi16(c1, c3);
+  const V c01 = _mm_unpacklo_epi8(c02, c13);
+  const V c23 = _mm_unpackhi_epi8(c02, c13);
+  const V lo = _mm_unpacklo_epi16(c01, c23);
+  const V hi = _mm_unpackhi_epi16(c01, c23);
   if constexpr (layout_bytes(Layout) == 3) {
     store_rgb24_from_rgbx(out, lo);
     store_rgb24_from_rgbx(out + 12, hi);
@@ -87,32 +100,45 @@ template <int N> VRC_TARGET V srli32(V a) { return _mm256_srli_epi32(a, N); }
 template <int N> VRC_TARGET V slli32(V a) { return _mm256_slli_epi32(a, N); }
 template <int N> VRC_TARGET V srai32(V a) { return _mm256_srai_epi32(a, N); }
 
+VRC_TARGET inline V duplicate_even16(V a) {
+  return _mm256_shuffle_epi8(a, _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13,  //
+                                                 0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+}
+VRC_TARGET inline V duplicate_odd16(V a) {
+  return _mm256_shuffle_epi8(a, _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15,  //
+                                                 2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
+}
+
+// Sixteen pixels. For the byte layouts the 8-byte quarters are reordered (pixels 0-3, 8-11 |
+// 4-7, 12-15) so that the in-lane unpacking at the end comes out in pixel order; the 16-bit
+// packings keep pixel order.
+template <RgbLayout Layout>
+VRC_TARGET V load_pixels(const uint8_t *p) {
+  const V pixels = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
+  if constexpr (layout_bytes(Layout) == 2) return pixels;
+  return _mm256_permute4x64_epi64(pixels, 0xD8);
+}
+
 VRC_TARGET inline void store_words16(uint8_t *out, V words) {
   _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), words);
 }
 
-// 4 RGBX pixels per 128-bit lane to 12 bytes per lane: one in-lane byte shuffle.
-VRC_TARGET inline void store_rgb24_lane(uint8_t *out, __m128i rgbx) {
-  const __m128i closed = _mm_shuffle_epi8(rgbx, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
-  _mm_storel_epi64(reinterpret_cast<__m128i *>(out), closed);
-  const int32_t tail = _mm_cvtsi128_si32(_mm_srli_si128(closed, 8));
-  std::memcpy(out + 8, &tail, 4);
-}
-
-// The lanes hold pixels 0-7 and 8-15; unpacking keeps to lanes, so the four quarters are put
-// back in pixel order on the way out.
+// Pixels of bytes c0, c1, c2, c3 (16-bit lanes, clamped to 0..255 by the saturating packs). With
+// the quarters as load_pixels arranged them, `lo` holds pixels 0-7 and `hi` pixels 8-15.
 template <RgbLayout Layout>
-VRC_TARGET void store_pixels(uint8_t *out, V w0, V w1) {
-  const V lo = _mm256_unpacklo_epi16(w0, w1);  // pixels 0-3 | 8-11
-  const V hi = _mm256_unpackhi_epi16(w0, w1);  // pixels 4-7 | 12-15
+VRC_TARGET void store_pixels(uint8_t *out, V c0, V c1, V c2, V c3) {
+  const V c02 = _mm256_packus_epi16(c0, c2);
+  const V c13 = _mm256_packus_epi16(c1, c3);
+  const V c01 = _mm256_unpacklo_epi8(c02, c13);
+  const V c23 = _mm256_unpackhi_epi8(c02, c13);
+  const V lo = _mm256_unpacklo_epi16(c01, c23);
+  const V hi = _mm256_unpackhi_epi16(c01, c23);
   if constexpr (layout_bytes(Layout) == 3) {
-    store_rgb24_lane(out, _mm256_castsi256_si128(lo));
-    store_rgb24_lane(out + 12, _mm256_castsi256_si128(hi));
-    store_rgb24_lane(out + 24, _mm256_extracti128_si256(lo, 1));
-    store_rgb24_lane(out + 36, _mm256_extracti128_si256(hi, 1));
+    store_lanes_as_3_bytes(out, lo);
+    store_lanes_as_3_bytes(out + 24, hi);
   } else {
-    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), _mm256_permute2x128_si256(lo, hi, 0x20));
-    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), _mm256_permute2x128_si256(lo, hi, 0x31));
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out), lo);
+    _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + 32), hi);
   }
 }
 

@@ -118,7 +118,7 @@ uint32_t ZEP_cmap_set_colour(uint32_t handle, uint16_t index, uint16_t colour);
 uint32_t ZEP_cmap_set_type(uint32_t handle, uint16_t type, uint32_t unused);
 uint32_t ZEP_cmap_is_grayscale(uint32_t handle);
 uint32_t ZEP_image_is_colour(uint32_t handle);
-uint32_t ZEP_cmap_copy(uint32_t src, uint32_t dst);
+/* ZEP_cmap_copy, which copies the 256-entry map, is declared with the image functions. */
 
 /* Index of the map entry nearest to (red, green, blue) by squared distance; the lowest index
  * wins a tie; 0 for an empty map. */

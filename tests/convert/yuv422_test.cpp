@@ -195,6 +195,28 @@ TEST(RowKernels, VectorKernelsMatchTheScalarReference) {
   }
 }
 
+TEST(RowKernels, VectorTableKernelsMatchTheScalarReference) {
+  using namespace vrc::convert;
+  if (!simd_level_supported(SimdLevel::avx2)) GTEST_SKIP() << "no AVX2";
+  // A table of distinct entries (plus the 2 readable bytes past its end) shows any wrong index.
+  Bytes table(2 * (1u << 19) + 2, 0);
+  for (uint32_t i = 0; i < (1u << 19); ++i) {
+    const uint32_t entry = (i * 2654435761u) >> 16;
+    table[2 * i] = uint8_t(entry), table[2 * i + 1] = uint8_t(entry >> 8);
+  }
+  for (uint32_t pairs = 0; pairs < 40; ++pairs)
+    for (uint32_t offset = 0; offset < 4; ++offset) {
+      const Bytes yuv = random_bytes(4 * pairs + offset, pairs * 13 + offset);
+      for (int layout = 0; layout < kLayoutCount; ++layout) {
+        const size_t out_bytes = 2 * pairs * layout_bytes(RgbLayout(layout)) + offset;
+        Bytes scalar(out_bytes + 8, 0xA5), vector(out_bytes + 8, 0xA5);
+        yuv422_lut_kernel(RgbLayout(layout), SimdLevel::scalar)(yuv.data() + offset, scalar.data() + offset, pairs, table.data());
+        yuv422_lut_kernel(RgbLayout(layout), SimdLevel::avx2)(yuv.data() + offset, vector.data() + offset, pairs, table.data());
+        ASSERT_EQ(vector, scalar) << "layout " << layout << " pairs " << pairs;
+      }
+    }
+}
+
 TEST(RowKernels, EveryYuvTripleMatchesTheFormula) {
   using namespace vrc::convert;
   // All 2^24 (Y, U, V) values through the widest kernel, 256 pairs at a time.
