@@ -2,14 +2,10 @@
 // type. YUV 4:2:2 sources have their own members (with table-driven variants for the colour
 // outputs); every other source goes through the general family.
 #include "vrcw32/zep_convert.h"
+#include "vrcw32/zep_files.h"
 
 #include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
-
-// The device-independent-bitmap conversion lives with the BMP files; a build without it refuses
-// the request.
-extern "C" uint32_t ZEP_convert_to_DIB_w31(uint32_t src, uint32_t dst, uint32_t flags,
-                                           uint16_t action) __attribute__((weak));
 
 namespace {
 
@@ -82,12 +78,7 @@ extern "C" uint32_t ZEP_image_convert(uint32_t src, uint32_t dst, uint16_t out_t
     destination->flags = dst_flags;
     if (dst_flags & ZEP_FLAG_DITHER)
       return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED, "Dithering is not yet supported");
-    if (dst_flags & ZEP_FLAG_DIB) {
-      if (ZEP_convert_to_DIB_w31 == nullptr)
-        return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED,
-                            "Unsupported or unrecognized output image format");
-      return ZEP_convert_to_DIB_w31(src, dst, dst_flags, mode);
-    }
+    if (dst_flags & ZEP_FLAG_DIB) return ZEP_convert_to_DIB_w31(src, dst, dst_flags, mode);
     const MemberFn member = choose_member(core::image_record(src), out_type, dst_flags);
     if (member == nullptr)
       return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED,
