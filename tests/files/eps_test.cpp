@@ -257,7 +257,7 @@ Render render(const std::string &path, const std::string &out) {
 }
 
 TEST(EpsGhostscript, RendersGreyAndColourPagesAsTheImage) {
-  if (!vrc::test::program_available("gs")) GTEST_SKIP() << "Ghostscript not installed";
+  ASSERT_TRUE(vrc::test::program_available("gs")) << "Ghostscript not installed: scripts/setup.sh installs it";
   ErrorCapture errors;
   TempDir folder;
   for (uint16_t type : {ZEP_Y8, ZEP_RGB24}) {
