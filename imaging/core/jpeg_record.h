@@ -26,7 +26,7 @@ struct ZEP_JPEG_RECORD {
   uint16_t dqt_length;
   uint8_t quant[2][64];       // zigzag order
   uint8_t quant_tables;
-  // DHT: four specifications, each class/id byte, 16 counts, up to 256 values; id 255 ends
+  // DHT: four Huffman tables, each a class/id byte, 16 counts and up to 256 values; id 255 ends
   uint16_t dht_length;
   uint8_t huff_class_id[4];
   uint8_t huff_counts[4][16];
