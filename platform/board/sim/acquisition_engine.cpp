@@ -145,7 +145,7 @@ void AcquisitionEngine::run() {
   while (!m_quit) {
     const Clock::time_point now = Clock::now();
     if (uint32_t events = step(now)) {
-      deliver(lock, events, now);
+      deliver(lock, events, Clock::now());  // the frame, if any, is complete now
       continue;
     }
     if (m_running)
@@ -181,7 +181,9 @@ uint32_t AcquisitionEngine::step(Clock::time_point now) {
   if (!each_edge && m_free_running && now >= m_next_frame) {
     take_frame = true;
     m_next_frame += m_frame_period;
-    if (m_next_frame < now) m_next_frame = now + m_frame_period;  // fell behind: no catch-up burst
+    // A frame late by less than a period is made up at once; further behind, the schedule
+    // starts afresh rather than bursting to catch up.
+    if (m_next_frame + m_frame_period < now) m_next_frame = now;
   }
   if (take_frame) capture(now, events);
   if (m_settings.timeout_ms > 0 && now - m_last_frame >= std::chrono::milliseconds(m_settings.timeout_ms)) {
