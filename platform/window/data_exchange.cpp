@@ -45,32 +45,25 @@ void DataExchange::combo_index(int id, int32_t& index) {
   }
 }
 
-void DataExchange::number(int id, int32_t& value) {
+template <typename Number>
+void DataExchange::exchange_number(int id, Number& value, const char* message) {
   Window* edit = find<Window>(id);
   if (!edit) return;
   if (!m_saving) {
     edit->set_text(std::to_string(value));
     return;
   }
-  int32_t parsed = 0;
+  Number parsed = 0;
   if (parse(edit->text(), parsed))
     value = parsed;
   else
-    fail(id, "Please enter an integer.");
+    fail(id, message);
 }
 
+void DataExchange::number(int id, int32_t& value) { exchange_number(id, value, "Please enter an integer."); }
+
 void DataExchange::unsigned_number(int id, uint32_t& value) {
-  Window* edit = find<Window>(id);
-  if (!edit) return;
-  if (!m_saving) {
-    edit->set_text(std::to_string(value));
-    return;
-  }
-  uint32_t parsed = 0;
-  if (parse(edit->text(), parsed))
-    value = parsed;
-  else
-    fail(id, "Please enter a positive integer.");
+  exchange_number(id, value, "Please enter a positive integer.");
 }
 
 void DataExchange::check(int id, int32_t& value) {

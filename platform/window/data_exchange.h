@@ -27,6 +27,7 @@ class DataExchange {
 
  private:
   template <typename Control> Control* find(int id);
+  template <typename Number> void exchange_number(int id, Number& value, const char* message);
   void fail(int id, const char* message);
 
   PropertyPage& m_page;

@@ -38,13 +38,13 @@ double default_frame_rate() {
 std::mutex g_open_mutex;
 std::set<std::pair<uint32_t, uint32_t>> g_open_channels;
 
+}  // namespace
+
 std::string hex(uint32_t value) {
   char text[16];
   std::snprintf(text, sizeof text, "0x%08X", value);
   return text;
 }
-
-}  // namespace
 
 uint32_t CallReport::fail(uint32_t status, const std::string& message) const {
   if (m_handler) m_handler(m_function, status, message.c_str());

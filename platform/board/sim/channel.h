@@ -19,6 +19,9 @@
 
 namespace vrxsim {
 
+// "0x%08X" of a value, for messages.
+std::string hex(uint32_t value);
+
 // Reports one call's failure through the handle's error handler, once.
 class CallReport {
  public:
@@ -93,6 +96,7 @@ class Channel {
   uint32_t status_word() const;
   AcquisitionSettings acquisition_settings() const;
   uint32_t check_feature(const CallReport& report, uint32_t id) const;
+  RegisterSpace* register_space(uint32_t port);
 
   const uint32_t m_handle;
   const VRX_ERR_HANDLER m_handler;

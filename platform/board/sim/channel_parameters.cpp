@@ -1,7 +1,6 @@
 // VRX_ParameterGet and VRX_ParameterSet: board selection before opening, values the board
 // computes (status, capture size, link state, counters), values with side effects (interrupt
 // mask, output lines) and, for everything else, the validated parameter store.
-#include <cstdio>
 
 #include "platform/board/sim/channel.h"
 #include "platform/board/sim/faults.h"
@@ -11,12 +10,6 @@ namespace vrxsim {
 namespace {
 
 using namespace vrx;
-
-std::string hex(uint32_t value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", value);
-  return text;
-}
 
 bool in_table(std::span<const Choice> table, uint32_t value) {
   for (const Choice& row : rows_of(table))

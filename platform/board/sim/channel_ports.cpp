@@ -3,7 +3,6 @@
 // time-out, outside the channel's lock, and reports VRX_STATUS_TIMEOUT with the partial count.
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <thread>
 
 #include "platform/board/sim/channel.h"
@@ -13,18 +12,18 @@ namespace {
 
 using namespace vrx;
 
-std::string hex(uint32_t value) {
-  char text[16];
-  std::snprintf(text, sizeof text, "0x%08X", value);
-  return text;
-}
-
 uint32_t wait_out(uint32_t timeout_ms) {
   std::this_thread::sleep_for(std::chrono::milliseconds(timeout_ms));
   return VRX_STATUS_TIMEOUT;
 }
 
 }  // namespace
+
+RegisterSpace* Channel::register_space(uint32_t port) {
+  if (port == PortCamera) return &m_board->camera_registers;
+  if (port == PortFrameGrabber) return &m_board->grabber_registers;
+  return nullptr;
+}
 
 uint32_t Channel::control_read(const CallReport& report, uint32_t port, uint32_t address,
                                uint8_t* data, uint32_t& count, uint32_t timeout_ms) {
@@ -33,9 +32,7 @@ uint32_t Channel::control_read(const CallReport& report, uint32_t port, uint32_t
     std::lock_guard lock(m_mutex);
     if (!m_board) return report.fail(VRX_ERR_NOT_OPEN, "The handle is not open");
     if (!data && asked > 0) return report.fail(VRX_ERR_NULL_ARGUMENT, "No data buffer given");
-    RegisterSpace* space = port == PortCamera         ? &m_board->camera_registers
-                           : port == PortFrameGrabber ? &m_board->grabber_registers
-                                                      : nullptr;
+    RegisterSpace* space = register_space(port);
     if (!space) return report.fail(VRX_ERR_BAD_PARAMETER, "Unknown port " + hex(port));
     if (port == PortFrameGrabber)
       space->set_word(kGrabberFrameCountRegister, static_cast<uint32_t>(m_board->engine->frames_captured()));
@@ -54,9 +51,7 @@ uint32_t Channel::control_write(const CallReport& report, uint32_t port, uint32_
   std::lock_guard lock(m_mutex);
   if (!m_board) return report.fail(VRX_ERR_NOT_OPEN, "The handle is not open");
   if (!data && count > 0) return report.fail(VRX_ERR_NULL_ARGUMENT, "No data given");
-  RegisterSpace* space = port == PortCamera         ? &m_board->camera_registers
-                         : port == PortFrameGrabber ? &m_board->grabber_registers
-                                                    : nullptr;
+  RegisterSpace* space = register_space(port);
   if (!space) return report.fail(VRX_ERR_BAD_PARAMETER, "Unknown port " + hex(port));
   if (uint32_t status = space->write(address, std::span(data, count))) {
     const std::string message = "Cannot write " + std::to_string(count) + " bytes at address " + hex(address);
