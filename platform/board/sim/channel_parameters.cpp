@@ -196,9 +196,9 @@ uint32_t Channel::set_parameter(const CallReport& report, uint32_t id, void* val
   bool handled = false;
   const uint32_t status = set_special(report, id, word, handled);
   if (handled) return status;
-  const ParameterSpec* spec = find_parameter(id);
-  if (!spec) return report.fail(VRX_ERR_BAD_PARAMETER, "Unknown parameter " + hex(id));
-  if (spec->idle_only && m_board->engine->running())
+  const ParameterDefinition* definition = find_parameter(id);
+  if (!definition) return report.fail(VRX_ERR_BAD_PARAMETER, "Unknown parameter " + hex(id));
+  if (definition->idle_only && m_board->engine->running())
     return report.fail(VRX_ERR_BUSY, "Parameter " + hex(id) + " cannot change during acquisition");
   if (uint32_t result = m_board->store.set(id, word))
     return report.fail(result, "Value " + hex(word) + " not accepted for " + hex(id));

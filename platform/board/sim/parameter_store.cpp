@@ -43,23 +43,23 @@ uint32_t natural_capture_format(uint32_t depth, uint32_t colour) {
 }
 
 ParameterStore::ParameterStore() {
-  for (const ParameterSpec& spec : parameter_specs()) m_values[spec.id] = spec.default_value;
+  for (const ParameterDefinition& definition : parameter_definitions()) m_values[definition.id] = definition.default_value;
 }
 
 uint32_t ParameterStore::get(uint32_t id, uint32_t& value) const {
-  const ParameterSpec* spec = find_parameter(id);
-  if (!spec) return VRX_ERR_BAD_PARAMETER;
-  if (spec->access == Access::WriteOnly) return VRX_ERR_WRITE_ONLY;
+  const ParameterDefinition* definition = find_parameter(id);
+  if (!definition) return VRX_ERR_BAD_PARAMETER;
+  if (definition->access == Access::WriteOnly) return VRX_ERR_WRITE_ONLY;
   value = m_values.at(id);
   return VRX_OK;
 }
 
 uint32_t ParameterStore::set(uint32_t id, uint32_t value) {
-  const ParameterSpec* spec = find_parameter(id);
-  if (!spec) return VRX_ERR_BAD_PARAMETER;
-  if (spec->access == Access::ReadOnly) return VRX_ERR_READ_ONLY;
-  if (uint32_t status = validate_value(*spec, value)) return status;
-  if (spec->access == Access::WriteOnly) return VRX_OK;
+  const ParameterDefinition* definition = find_parameter(id);
+  if (!definition) return VRX_ERR_BAD_PARAMETER;
+  if (definition->access == Access::ReadOnly) return VRX_ERR_READ_ONLY;
+  if (uint32_t status = validate_value(*definition, value)) return status;
+  if (definition->access == Access::WriteOnly) return VRX_OK;
   const uint32_t previous = m_values[id];
   m_values[id] = value;
   if (previous == value) return VRX_OK;

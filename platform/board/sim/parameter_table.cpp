@@ -13,12 +13,12 @@ using namespace vrx;
 constexpr Access RW = Access::ReadWrite;
 constexpr Access WO = Access::WriteOnly;
 
-constexpr ParameterSpec choice(uint32_t id, const char* key, std::span<const Choice> table,
+constexpr ParameterDefinition choice(uint32_t id, const char* key, std::span<const Choice> table,
                                uint32_t default_value, bool idle_only = false,
                                uint32_t extra = 0) {
   return {id, key, table, extra, extra, default_value, RW, idle_only, true};
 }
-constexpr ParameterSpec range(uint32_t id, const char* key, uint32_t minimum, uint32_t maximum,
+constexpr ParameterDefinition range(uint32_t id, const char* key, uint32_t minimum, uint32_t maximum,
                               uint32_t default_value, bool idle_only = false) {
   return {id, key, {}, minimum, maximum, default_value, RW, idle_only, true};
 }
@@ -43,7 +43,7 @@ constexpr Choice kAllCaptureFormats[] = {
     {capture_format(27), "27"}, {capture_format(28), "28"}, {capture_format(29), "29"},
     {capture_format(30), "30"}, {capture_format(31), "31"}, kChoiceEnd};
 
-constexpr ParameterSpec kSpecs[] = {
+constexpr ParameterDefinition kDefinitions[] = {
     // Camera description
     choice(ParamCameraType, "CameraType", kCameraTypeChoices, 0xC0021903, true),
     choice(ParamClockPolarity, "ClockPolarity", kClockPolarityChoices, 0xC0020E01),
@@ -114,32 +114,32 @@ constexpr ParameterSpec kSpecs[] = {
     choice(ParamCxpLinkCount, "CxpLinkCount", kCxpLinkCountChoices, CxpLinksAutomatic),
     choice(ParamCxpPower, "CxpPower", kCxpPowerChoices, CxpPowerAutomatic),
     // PoCL
-    ParameterSpec{ParamPoclSenseEnable, "PoclSenseEnable", {}, 0, 1, 0, RW, false, false},
-    ParameterSpec{ParamPoclSense, "PoclSense", kSense, 0, 0, 2, RW, false, false},
+    ParameterDefinition{ParamPoclSenseEnable, "PoclSenseEnable", {}, 0, 1, 0, RW, false, false},
+    ParameterDefinition{ParamPoclSense, "PoclSense", kSense, 0, 0, 2, RW, false, false},
     // Commit of the settings: accepted, nothing stored
-    ParameterSpec{ParamApplySettings, "ApplySettings", {}, 0, 0xFFFFFFFF, 0, WO, false, false},
+    ParameterDefinition{ParamApplySettings, "ApplySettings", {}, 0, 0xFFFFFFFF, 0, WO, false, false},
 };
 
 }  // namespace
 
-std::span<const ParameterSpec> parameter_specs() { return kSpecs; }
+std::span<const ParameterDefinition> parameter_definitions() { return kDefinitions; }
 
-const ParameterSpec* find_parameter(uint32_t id) {
-  auto it = std::find_if(std::begin(kSpecs), std::end(kSpecs), [id](const ParameterSpec& s) { return s.id == id; });
-  return it == std::end(kSpecs) ? nullptr : &*it;
+const ParameterDefinition* find_parameter(uint32_t id) {
+  auto it = std::find_if(std::begin(kDefinitions), std::end(kDefinitions), [id](const ParameterDefinition& s) { return s.id == id; });
+  return it == std::end(kDefinitions) ? nullptr : &*it;
 }
 
-const ParameterSpec* find_parameter_by_key(std::string_view key) {
-  auto it = std::find_if(std::begin(kSpecs), std::end(kSpecs),
-                         [key](const ParameterSpec& s) { return key == s.key; });
-  return it == std::end(kSpecs) ? nullptr : &*it;
+const ParameterDefinition* find_parameter_by_key(std::string_view key) {
+  auto it = std::find_if(std::begin(kDefinitions), std::end(kDefinitions),
+                         [key](const ParameterDefinition& s) { return key == s.key; });
+  return it == std::end(kDefinitions) ? nullptr : &*it;
 }
 
-uint32_t validate_value(const ParameterSpec& spec, uint32_t value) {
-  if (spec.choices.empty())
-    return value >= spec.minimum && value <= spec.maximum ? VRX_OK : VRX_ERR_BAD_VALUE;
-  if (spec.minimum != 0 && value == spec.minimum) return VRX_OK;
-  for (const Choice& row : rows_of(spec.choices))
+uint32_t validate_value(const ParameterDefinition& definition, uint32_t value) {
+  if (definition.choices.empty())
+    return value >= definition.minimum && value <= definition.maximum ? VRX_OK : VRX_ERR_BAD_VALUE;
+  if (definition.minimum != 0 && value == definition.minimum) return VRX_OK;
+  for (const Choice& row : rows_of(definition.choices))
     if (row.value == value) return VRX_OK;
   return VRX_ERR_BAD_VALUE;
 }

@@ -13,7 +13,7 @@ namespace vrxsim {
 
 enum class Access : uint8_t { ReadWrite, ReadOnly, WriteOnly };
 
-struct ParameterSpec {
+struct ParameterDefinition {
   uint32_t id;
   const char* key;  // key in .vcf files
   std::span<const vrx::Choice> choices;  // empty: a range
@@ -26,10 +26,10 @@ struct ParameterSpec {
 };
 
 // Every stored parameter, in configuration-file order.
-std::span<const ParameterSpec> parameter_specs();
-const ParameterSpec* find_parameter(uint32_t id);
-const ParameterSpec* find_parameter_by_key(std::string_view key);
+std::span<const ParameterDefinition> parameter_definitions();
+const ParameterDefinition* find_parameter(uint32_t id);
+const ParameterDefinition* find_parameter_by_key(std::string_view key);
 // VRX_OK or VRX_ERR_BAD_VALUE.
-uint32_t validate_value(const ParameterSpec& spec, uint32_t value);
+uint32_t validate_value(const ParameterDefinition& definition, uint32_t value);
 
 }  // namespace vrxsim

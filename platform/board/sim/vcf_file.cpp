@@ -42,16 +42,16 @@ uint32_t read_vcf_file(const std::string& path, ParameterStore& store, std::stri
     std::size_t equals = line.find('=');
     if (equals == std::string::npos) return fail("expected key=value");
     const std::string key = trim(line.substr(0, equals)), text = trim(line.substr(equals + 1));
-    const ParameterSpec* spec = find_parameter_by_key(key);
-    if (!spec || !spec->saved) return fail("unknown key '" + key + "'");
+    const ParameterDefinition* definition = find_parameter_by_key(key);
+    if (!definition || !definition->saved) return fail("unknown key '" + key + "'");
     char* end = nullptr;
     errno = 0;
     unsigned long long value = std::strtoull(text.c_str(), &end, 0);
     if (text.empty() || *end != '\0' || errno != 0 || value > 0xFFFFFFFFull)
       return fail("bad number '" + text + "'");
-    if (store.set(spec->id, static_cast<uint32_t>(value)) != VRX_OK)
+    if (store.set(definition->id, static_cast<uint32_t>(value)) != VRX_OK)
       return fail("value " + text + " not accepted for " + key);
-    read_values.emplace_back(spec->id, static_cast<uint32_t>(value));
+    read_values.emplace_back(definition->id, static_cast<uint32_t>(value));
   }
   // Every value was validated above; storing them again undoes what the consistency rules
   // derived along the way, so the file's own destination sizes and format stand.
@@ -67,9 +67,9 @@ uint32_t write_vcf_file(const std::string& path, const ParameterStore& store, st
   }
   out << "# Camera configuration\n";
   char line[96];
-  for (const ParameterSpec& spec : parameter_specs()) {
-    if (!spec.saved) continue;
-    std::snprintf(line, sizeof line, "%s=0x%08" PRIX32 "\n", spec.key, store.value(spec.id));
+  for (const ParameterDefinition& definition : parameter_definitions()) {
+    if (!definition.saved) continue;
+    std::snprintf(line, sizeof line, "%s=0x%08" PRIX32 "\n", definition.key, store.value(definition.id));
     out << line;
   }
   out.flush();
