@@ -1,6 +1,7 @@
-// The simulated board at 1000 frames per second of 640 x 480 (8-bit mono) for three seconds.
-// The event callback only counts and time-stamps; the main thread hands buffers back as fast as
-// it can, as the panel's paint handler does. Prints frames captured, events delivered per
+// The simulated board at 1000 frames per second of 640 x 480 (8-bit mono), two runs of three
+// seconds: a consumer that keeps up, and a slow one that makes the FIFO overflow.
+// The event callback only counts and time-stamps; the main thread hands buffers back, as the
+// panel's paint handler does. Prints frames captured, events delivered per
 // second and the callback's latency (from the moment the frame completed to the callback
 // running) as percentiles.
 #include <algorithm>
@@ -46,28 +47,30 @@ double percentile_us(std::vector<uint64_t>& sorted, double p) {
   return static_cast<double>(sorted[index]) / 1000.0;
 }
 
-}  // namespace
-
-int main() {
+// One run of `duration`: the main thread releases a buffer whenever one waits, pausing
+// `consumer_pause` after each release (a slow consumer overflows the FIFO).
+void run(const char* title, std::chrono::microseconds consumer_pause) {
   constexpr double kFramesPerSecond = 1000.0;
   constexpr auto kDuration = std::chrono::seconds(3);
   Counter counter;
-  if (VRX_Create(&counter.handle, nullptr) != VRX_OK || VRX_Open(&counter.handle) != VRX_OK) return 1;
+  // No error handler: the draining loop's releases fail harmlessly whenever no buffer waits.
+  if (VRX_Create(&counter.handle, nullptr) != VRX_OK || VRX_Open(&counter.handle) != VRX_OK) return;
   set(counter.handle, vrx::ParamSrcXLength, 640);
   set(counter.handle, vrx::ParamSrcYLength, 480);
   set(counter.handle, vrx::ParamBufferCount, 16);
   vrxsim_set_frame_rate(counter.handle, kFramesPerSecond);
   VRX_ParameterSet(counter.handle, vrx::ParamEventContext, &counter);
 
-  // No error handler: the draining loop's releases fail harmlessly whenever no buffer waits.
   const Clock::time_point started = Clock::now();
-  if (VRX_Acquire(counter.handle, VRX_ACQ_START, reinterpret_cast<void*>(&Counter::callback)) != VRX_OK) return 1;
+  if (VRX_Acquire(counter.handle, VRX_ACQ_START, reinterpret_cast<void*>(&Counter::callback)) != VRX_OK) return;
   uint64_t released = 0;
   while (Clock::now() - started < kDuration) {
-    if (VRX_Acquire(counter.handle, VRX_ACQ_BUFFER_RELEASE, nullptr) == VRX_OK)
+    if (VRX_Acquire(counter.handle, VRX_ACQ_BUFFER_RELEASE, nullptr) == VRX_OK) {
       ++released;
-    else
+      std::this_thread::sleep_for(consumer_pause);
+    } else {
       std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
   }
   VRX_Acquire(counter.handle, VRX_ACQ_ABORT, nullptr);
   const double seconds = std::chrono::duration<double>(Clock::now() - started).count();
@@ -78,8 +81,7 @@ int main() {
                                       static_cast<std::ptrdiff_t>(std::min(counter.latency_count.load(),
                                                                            counter.latencies_ns.size())));
   std::sort(latencies.begin(), latencies.end());
-  std::printf("simulated board: 640 x 480 8-bit mono at %.0f fps asked, %.2f s, 16 buffers\n", kFramesPerSecond,
-              seconds);
+  std::printf("%s: 640 x 480 8-bit mono, %.0f fps asked, %.2f s, 16 buffers\n", title, kFramesPerSecond, seconds);
   std::printf("  buffer-ready events  %8llu  (%.1f /s)\n", static_cast<unsigned long long>(counter.buffers_ready.load()),
               static_cast<double>(counter.buffers_ready.load()) / seconds);
   std::printf("  deliveries           %8llu  (%.1f /s)\n", static_cast<unsigned long long>(counter.deliveries.load()),
@@ -90,5 +92,12 @@ int main() {
   std::printf("  callback latency us  p50 %.1f  p90 %.1f  p99 %.1f  p99.9 %.1f  max %.1f\n",
               percentile_us(latencies, 50), percentile_us(latencies, 90), percentile_us(latencies, 99),
               percentile_us(latencies, 99.9), percentile_us(latencies, 100));
+}
+
+}  // namespace
+
+int main() {
+  run("consumer keeping up", std::chrono::microseconds(0));
+  run("consumer taking 4 ms a buffer", std::chrono::microseconds(4000));
   return 0;
 }
