@@ -1,5 +1,6 @@
 // Fault injection on the simulated board: counted call and parameter faults, dropped and
 // delayed events, and the VRXSIM_FAULTS syntax.
+#include <cstdlib>
 #include <thread>
 
 #include "platform/board/sim/faults.h"
@@ -75,6 +76,21 @@ TEST_F(SimBoard, DelayedEventsArriveLate) {
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
   EXPECT_GE(std::chrono::steady_clock::now() - started, 80ms);
   acquire(VRX_ACQ_ABORT);
+}
+
+// The variable is read once, when the first handle is made: a fresh process shows it.
+TEST(SimFaultEnvironment, FaultsFromTheEnvironmentApplyFromTheStart) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        setenv("VRXSIM_FAULTS", "call:VRX_Open:1:0x8107", 1);
+        uint32_t handle = 0;
+        VRX_Create(&handle, nullptr);
+        const bool first_fails = VRX_Open(&handle) == VRX_ERR_NO_BOARD;
+        const bool second_opens = VRX_Open(&handle) == VRX_OK;
+        std::exit(first_fails && second_opens ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 TEST(SimFaultText, ParsesEveryEntryKind) {
