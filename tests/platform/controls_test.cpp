@@ -14,7 +14,6 @@ using namespace vrc::window;
 class Controls : public ::testing::Test {
  protected:
   void SetUp() override {
-    application();
     m_previous = set_desktop(std::make_unique<ScriptedDesktop>());
     m_scripted = static_cast<ScriptedDesktop*>(&desktop());
     m_container = std::make_unique<QWidget>();

@@ -68,7 +68,6 @@ TEST(ScriptedDesktop, RecordsCursorStatusEditorAndSleep) {
 }
 
 TEST(QtDesktop, StartsTheEditorNamedByVisual) {
-  application();
   QTemporaryDir dir;
   const QString marker = dir.filePath("opened");
   // A stand-in editor that writes down the file it was asked to open.

@@ -31,7 +31,6 @@ uint32_t make_rgb_buffer(uint32_t width, uint32_t height, const uint8_t rgb[3]) 
 }
 
 TEST(DisplaySurface, ShowsWhatTheDisplayLibraryPaints) {
-  application();
   DisplaySurface surface(nullptr);
   uint32_t display = 0;
   ASSERT_EQ(VDL_DisplayCreate(&display, surface.paint_sink(), surface.sink_context()), VRX_OK);
@@ -56,7 +55,6 @@ TEST(DisplaySurface, ShowsWhatTheDisplayLibraryPaints) {
 
 // Renders both pages of the sample sheet side by side into one PNG.
 TEST(SampleSheet, RendersEveryControlKindLegibly) {
-  application();
   SamplePage first{kAcquisitionDialog}, second{kRegisterDialog};
   PropertySheet sheet("Vireo Control", nullptr);
   sheet.add_page(&first);

@@ -20,7 +20,6 @@ bool post_coalesced(Window& window, uint32_t message, WPARAM wparam = 0) {
 class Queue : public ::testing::Test {
  protected:
   void SetUp() override {
-    application();
     queue().dispatch_pending();
   }
   static MessageQueue& queue() { return MessageQueue::current(); }

@@ -12,17 +12,13 @@
 
 namespace window_test {
 
-inline QApplication& application() {
-  static int argc = 1;
-  static char name[] = "platform_tests";
-  static char* argv[] = {name, nullptr};
-  static QApplication* app = [] {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication instance(argc, argv);
-    return &instance;
-  }();
-  return *app;
+// The program's QApplication, made by the test environment before the first test and
+// destroyed after the last, while the rest of Qt still exists.
+inline QApplication*& application_instance() {
+  static QApplication* instance = nullptr;
+  return instance;
 }
+inline QApplication& application() { return *application_instance(); }
 
 // Runs the Qt event loop (and so the message queue) until `done` or a time-out.
 template <typename Predicate>

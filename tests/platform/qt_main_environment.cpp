@@ -1,4 +1,6 @@
 // Makes the QApplication before any test of the windowing layer runs.
+#include <memory>
+
 #include "qt_environment.h"
 
 namespace window_test {
@@ -6,7 +8,21 @@ namespace {
 
 class QtEnvironment : public ::testing::Environment {
  public:
-  void SetUp() override { application(); }
+  void SetUp() override {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    static int argc = 1;
+    static char name[] = "platform_tests";
+    static char* argv[] = {name, nullptr};
+    m_application = std::make_unique<QApplication>(argc, argv);
+    application_instance() = m_application.get();
+  }
+  void TearDown() override {
+    application_instance() = nullptr;
+    m_application.reset();
+  }
+
+ private:
+  std::unique_ptr<QApplication> m_application;
 };
 
 const auto* const g_environment = ::testing::AddGlobalTestEnvironment(new QtEnvironment);

@@ -35,7 +35,6 @@ class RecordingSheet : public PropertySheet {
 class Sheet : public ::testing::Test {
  protected:
   void SetUp() override {
-    application();
     m_sheet.add_page(&m_first);
     m_sheet.add_page(&m_second);
   }

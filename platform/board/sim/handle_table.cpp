@@ -1,6 +1,8 @@
 // Handle table: handles count up from 1 and are never reused.
 #include "platform/board/sim/handle_table.h"
 
+#include "platform/board/sim/buffer_table.h"
+
 namespace vrxsim {
 
 uint32_t HandleTable::add(VRX_ERR_HANDLER handler) {
@@ -26,6 +28,9 @@ std::shared_ptr<Channel> HandleTable::remove(uint32_t handle) {
 }
 
 HandleTable& handles() {
+  // Channels still open at exit free their capture buffers as the table goes, so the buffer
+  // table must be made first (and so outlive this one).
+  buffers();
   static HandleTable table;
   return table;
 }
