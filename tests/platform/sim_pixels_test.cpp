@@ -195,3 +195,43 @@ TEST_F(SimBoard, CaptureBuffersPaintAndCannotBeDestroyedByTheApplication) {
 
 }  // namespace
 }  // namespace vrxsim_test
+
+namespace vrxsim_test {
+namespace {
+
+// Every capture format through the whole path at an odd width: capture, paint, convert.
+class CaptureEveryFormat : public SimBoard, public ::testing::WithParamInterface<uint32_t> {};
+
+TEST_P(CaptureEveryFormat, CapturesPaintsAndConverts) {
+  open();
+  set(ParamSrcXLength, 33);
+  set(ParamSrcYLength, 9);
+  ASSERT_EQ(set(ParamCaptureFormat, GetParam()), VRX_OK);
+  set(ParamAcqMode, AcqModeSingle);
+  EventRecorder recorder;
+  ASSERT_EQ(start(recorder), VRX_OK);
+  ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
+  VRX_BUFFER_RECORD record{};
+  ASSERT_EQ(acquire(VRX_ACQ_BUFFER_GET, &record), VRX_OK);
+  EXPECT_GE(get(ParamDstXLength), vrxsim::line_bytes(GetParam(), 33));
+
+  Painted painted;
+  uint32_t display = 0;
+  ASSERT_EQ(VDL_DisplayCreate(&display, &Painted::sink, &painted), VRX_OK);
+  ASSERT_EQ(VDL_BufferPaint(display, record.buffer), VRX_OK);
+  EXPECT_EQ(painted.width, 33u);
+  // The frame number's box in the top-left corner is black.
+  EXPECT_LT(painted.bgrx[0] + painted.bgrx[1] + painted.bgrx[2], 3 * 40);
+  uint32_t rgb = make_buffer(33, 9, capture_format(17));
+  EXPECT_EQ(VIL_Convert(record.buffer, rgb), VRX_OK);
+  VBL_BufferDestroy(&rgb);
+  VDL_DisplayDestroy(&display);
+  acquire(VRX_ACQ_BUFFER_RELEASE);
+}
+
+INSTANTIATE_TEST_SUITE_P(CaptureFormats, CaptureEveryFormat,
+                         ::testing::Range(kCaptureFormatBase, kCaptureFormatBase + 32),
+                         [](const auto& info) { return std::string("k").append(std::to_string(info.param - kCaptureFormatBase)); });
+
+}  // namespace
+}  // namespace vrxsim_test
