@@ -47,7 +47,7 @@ class Acquisition : public SimBoard {
 };
 
 TEST_F(Acquisition, LiveDeliversBufferReadyOnTheEventThreadWithTheContext) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 3));
   EXPECT_EQ(recorder.handle(), m_handle);
@@ -58,7 +58,7 @@ TEST_F(Acquisition, LiveDeliversBufferReadyOnTheEventThreadWithTheContext) {
 }
 
 TEST_F(Acquisition, ConsumerThatKeepsUpSeesEveryFrameInOrder) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 8);
   ASSERT_EQ(start(recorder), VRX_OK);
   uint64_t previous = 0;
@@ -76,7 +76,7 @@ TEST_F(Acquisition, ConsumerThatKeepsUpSeesEveryFrameInOrder) {
 }
 
 TEST_F(Acquisition, HeldBuffersOverflowTheFifoAndLoseFrames) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 2);
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_FRAME_LOST, 2));
@@ -103,6 +103,7 @@ struct AbortingConsumer {
 
 TEST_F(Acquisition, CallbackMayAbortAndTheApplicationRestarts) {
   AbortingConsumer consumer;
+  HandleGuard guard(m_handle);
   set(ParamBufferCount, 2);
   VRX_ParameterSet(m_handle, ParamEventContext, &consumer);
   ASSERT_EQ(acquire(VRX_ACQ_START, reinterpret_cast<void*>(&AbortingConsumer::callback)), VRX_OK);
@@ -121,7 +122,7 @@ TEST_F(Acquisition, CallbackMayAbortAndTheApplicationRestarts) {
 }
 
 TEST_F(Acquisition, SingleShotCapturesOneFrameAndStops) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamAcqMode, AcqModeSingle);
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
@@ -132,7 +133,7 @@ TEST_F(Acquisition, SingleShotCapturesOneFrameAndStops) {
 }
 
 TEST_F(Acquisition, AfterFreezeGetAndReleaseWalkTheRingInOrder) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 4);
   ASSERT_EQ(start(recorder), VRX_OK);
   // Keep up for a while so that the ring wraps, then freeze.
@@ -166,7 +167,7 @@ TEST_F(Acquisition, GetWithoutACapturedBufferFails) {
 }
 
 TEST_F(Acquisition, InterruptMaskDecidesWhatIsDelivered) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamIntrptEnable, VRX_EVENT_START_OF_FRAME | VRX_EVENT_END_OF_FRAME | VRX_EVENT_TEST);
   set(ParamIntrptDisable, VRX_EVENT_BUFFER_READY);
   ASSERT_EQ(start(recorder), VRX_OK);
@@ -187,7 +188,7 @@ TEST_F(Acquisition, InterruptMaskDecidesWhatIsDelivered) {
 }
 
 TEST_F(Acquisition, BufferReadyCountGroupsFrames) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 32);
   set(ParamBufferReadyCount, 4);
   set(ParamIntrptEnable, VRX_EVENT_END_OF_FRAME);
@@ -199,7 +200,7 @@ TEST_F(Acquisition, BufferReadyCountGroupsFrames) {
 }
 
 TEST_F(Acquisition, EachEdgeModeTakesOneFramePerTrigger) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamAcqTrigMode, 0xC0020504);  // each positive edge
   set(ParamIntrptEnable, VRX_EVENT_ACQ_TRIG_START);
   ASSERT_EQ(start(recorder), VRX_OK);
@@ -214,7 +215,7 @@ TEST_F(Acquisition, EachEdgeModeTakesOneFramePerTrigger) {
 }
 
 TEST_F(Acquisition, FirstEdgeModeRunsFreeAfterTheTrigger) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 16);
   set(ParamAcqTrigMode, 0xC0020502);
   ASSERT_EQ(start(recorder), VRX_OK);
@@ -225,7 +226,7 @@ TEST_F(Acquisition, FirstEdgeModeRunsFreeAfterTheTrigger) {
 }
 
 TEST_F(Acquisition, InternalTimerTriggersFrames) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamBufferCount, 16);
   set(ParamAcqTrigMode, 0xC0020504);
   set(ParamAcqTrigSource, TrigSourceInternalTimer);
@@ -236,7 +237,7 @@ TEST_F(Acquisition, InternalTimerTriggersFrames) {
 }
 
 TEST_F(Acquisition, TimeoutEventWhenNoFrameArrives) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   set(ParamAcqTrigMode, 0xC0020504);  // waits for edges that never come
   set(ParamDmaTimeout, 20);
   set(ParamIntrptEnable, VRX_EVENT_TIMEOUT);
@@ -246,7 +247,7 @@ TEST_F(Acquisition, TimeoutEventWhenNoFrameArrives) {
 }
 
 TEST_F(Acquisition, RegisteredCallbackServesAStartWithoutOne) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   VRX_ParameterSet(m_handle, ParamEventContext, &recorder);
   ASSERT_EQ(acquire(AcqCmdRegisterCallback, reinterpret_cast<void*>(&EventRecorder::callback)), VRX_OK);
   ASSERT_EQ(acquire(VRX_ACQ_START, nullptr), VRX_OK);
@@ -254,7 +255,7 @@ TEST_F(Acquisition, RegisteredCallbackServesAStartWithoutOne) {
 }
 
 TEST_F(Acquisition, InjectedFrameReplacesThePicture) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   const std::vector<uint8_t> marker{1, 2, 3, 4, 5, 6, 7, 8};
   ASSERT_EQ(vrxsim_inject_frame(m_handle, marker.data(), static_cast<uint32_t>(marker.size())), VRX_OK);
   set(ParamAcqMode, AcqModeSingle);
@@ -266,7 +267,7 @@ TEST_F(Acquisition, InjectedFrameReplacesThePicture) {
 }
 
 TEST_F(Acquisition, DestroyWhileCapturingStopsTheThread) {
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
   ASSERT_EQ(VRX_Destroy(&m_handle), VRX_OK);
@@ -283,6 +284,7 @@ TEST_F(SimBoard, CommsOnlyModeRefusesAcquisition) {
 TEST(SimChannels, TwoChannelsCaptureSideBySide) {
   EventRecorder first, second;
   uint32_t handles[2] = {};
+  HandleGuard guards[2] = {HandleGuard(handles[0]), HandleGuard(handles[1])};
   EventRecorder* recorders[2] = {&first, &second};
   for (uint32_t i = 0; i < 2; ++i) {
     ASSERT_EQ(VRX_Create(&handles[i], nullptr), VRX_OK);
@@ -298,7 +300,6 @@ TEST(SimChannels, TwoChannelsCaptureSideBySide) {
   EXPECT_TRUE(second.wait_for(VRX_EVENT_BUFFER_READY, 2));
   EXPECT_EQ(first.handle(), handles[0]);
   EXPECT_EQ(second.handle(), handles[1]);
-  for (uint32_t& handle : handles) EXPECT_EQ(VRX_Destroy(&handle), VRX_OK);
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TEST_F(SimBoard, DroppedEventsNeverReachTheCallback) {
   vrxsim_set_frame_rate(m_handle, 500);
   ASSERT_EQ(vrxsim_fault_drop_events(VRX_EVENT_BUFFER_READY, 5), VRX_OK);
   set(ParamIntrptEnable, VRX_EVENT_END_OF_FRAME);
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 3));
   acquire(VRX_ACQ_FREEZE);
@@ -70,7 +70,7 @@ TEST_F(SimBoard, DelayedEventsArriveLate) {
   set(ParamSrcXLength, 32);
   set(ParamSrcYLength, 16);
   ASSERT_EQ(vrxsim_fault_delay_events(80, 1), VRX_OK);
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   const auto started = std::chrono::steady_clock::now();
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));

@@ -176,7 +176,7 @@ TEST_F(SimBoard, CaptureBuffersPaintAndCannotBeDestroyedByTheApplication) {
   set(ParamSrcXLength, 32);
   set(ParamSrcYLength, 24);
   set(ParamAcqMode, AcqModeSingle);
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
   VRX_BUFFER_RECORD record{};
@@ -208,7 +208,7 @@ TEST_P(CaptureEveryFormat, CapturesPaintsAndConverts) {
   set(ParamSrcYLength, 9);
   ASSERT_EQ(set(ParamCaptureFormat, GetParam()), VRX_OK);
   set(ParamAcqMode, AcqModeSingle);
-  EventRecorder recorder;
+  EventRecorder& recorder = m_events;
   ASSERT_EQ(start(recorder), VRX_OK);
   ASSERT_TRUE(recorder.wait_for(VRX_EVENT_BUFFER_READY, 1));
   VRX_BUFFER_RECORD record{};

@@ -91,6 +91,21 @@ class EventRecorder {
   uint32_t m_handle = 0;
 };
 
+// Destroys a handle when the scope ends, so that no callback outlives what it writes to:
+// declare it after the objects the callback uses.
+class HandleGuard {
+ public:
+  explicit HandleGuard(uint32_t& handle) : m_handle(handle) {}
+  ~HandleGuard() {
+    if (m_handle) VRX_Destroy(&m_handle);
+  }
+  HandleGuard(const HandleGuard&) = delete;
+  HandleGuard& operator=(const HandleGuard&) = delete;
+
+ private:
+  uint32_t& m_handle;
+};
+
 // A created (not yet opened) handle; open() opens board 1 channel A unless told otherwise.
 class SimBoard : public ::testing::Test {
  protected:
@@ -124,6 +139,9 @@ class SimBoard : public ::testing::Test {
     return acquire(operation, reinterpret_cast<void*>(&EventRecorder::callback));
   }
 
+  // Events of the fixture's handle. TearDown destroys the handle, joining its event thread,
+  // before this recorder goes.
+  EventRecorder m_events;
   uint32_t m_handle = 0;
 };
 
