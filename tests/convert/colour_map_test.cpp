@@ -109,6 +109,25 @@ TEST(CmapGenerate, SingleGreyValue) {
   EXPECT_EQ(counts[1], 0u);
 }
 
+// A grey source's keys use the grey depth only, whatever the colour depths of the record say.
+TEST(CmapGenerate, GreyConversionUsesTheHistogramWhateverTheColourDepths) {
+  ErrorCapture errors;
+  ScopedImage image, out;
+  fill_image(image, ZEP_Y8, 6, 1, {70, 70, 70, 70, 70, 130});
+  record_of(image).cmap_info = ZEP_cmap_create_info();
+  auto &info = *static_cast<ZEP_CMAP_INFO *>(record_of(image).cmap_info);
+  info.grey_bits = 2;
+  info.red_bits = info.green_bits = info.blue_bits = 5;
+  ASSERT_EQ(ZEP_cmap_generate(image, 2, 3), 0u);
+  EXPECT_EQ(entry(image, 0), 0x606060u);  // key 1: 64 + 32
+  EXPECT_EQ(entry(image, 1), 0xA0A0A0u);  // key 2: 128 + 32
+  // 128 has key 2 (entry 1), although it lies as near entry 0 as entry 1.
+  fill_image(image, ZEP_Y8, 6, 1, {128, 70, 127, 0, 255, 160});
+  ASSERT_EQ(ZEP_convert_to_paletted(image, out, 3), 0u);
+  EXPECT_EQ(strip_bytes(out), (Bytes{1, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(errors.count(), 0u);
+}
+
 TEST(CmapGenerate, RgbCellCentresCountOrderAndLaterGenerations) {
   ErrorCapture errors;
   ScopedImage image, second, out;
