@@ -42,7 +42,8 @@
  *                               plus 360 when negative
  *                    byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B)
  *                    byte 3     intensity: (R + G + B) / 3
- *   YUV422 members lay out each destination line at the destination's bytes_per_line.
+ *   YUV422 members read and write lines with no padding between them (at even widths and the
+ *                  usual line alignment of 2 there is none); strip bytes past the lines are 0.
  *
  * Conversion tables (ids 200..205) are process-wide; the _LUT members need the table they read
  * to have been generated or loaded: without it they fail with "Conversion LUT does not exist"

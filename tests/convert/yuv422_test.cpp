@@ -36,6 +36,19 @@ TEST(Yuv422Arithmetic, HandDerivedPixels) {
   EXPECT_EQ(strip_bytes(dst), (Bytes{255, 211, 255, 255, 211, 255}));
 }
 
+// At a line alignment of 4 the destination's lines would be padded; the YUV members write them
+// one after the other all the same, and the rest of the strip is zeros.
+TEST(Yuv422Arithmetic, LinesFollowOneAnotherWithoutPadding) {
+  ErrorCapture errors;
+  ScopedImage src, dst;
+  fill_image(src, ZEP_YUV422, 2, 2, {128, 128, 255, 128, 0, 255, 0, 0}, 4);
+  ASSERT_EQ(ZEP_YUV422_to_RGB24(src, dst, 3), 0u);
+  EXPECT_EQ(record_of(dst).bytes_per_line, 8u);
+  EXPECT_EQ(strip_bytes(dst), (Bytes{128, 128, 128, 255, 255, 255, 0, 47, 225, 0, 47, 225, 0, 0, 0, 0}));
+  ASSERT_EQ(ZEP_YUV422_to_Y8(src, dst, 3), 0u);
+  EXPECT_EQ(strip_bytes(dst), (Bytes{128, 255, 0, 0, 0, 0, 0, 0}));
+}
+
 // Every colour output of random images, several widths and strip heights, against the formula.
 class Yuv422Outputs : public ::testing::TestWithParam<std::tuple<uint16_t, uint32_t, uint32_t>> {};
 
