@@ -145,6 +145,9 @@ uint32_t generate(uint32_t handle, uint16_t colours, uint16_t mode) {
     return ZEP_OK;
   }
   if (mode != ZEP_MODE_NEXT_STRIP) return ZEP_OK;
+  // A generation left busy by another image continues here; this image may have no histogram.
+  if (image.cmap_info == nullptr)
+    return core::report(kName, ZEP_ERR_STATE, "Colourmap information does not exist");
   const bool last = g_state.lines_done + image.lines_this_strip >= image.height;
   if (last) image.lines_this_strip = image.height > g_state.lines_done ? image.height - g_state.lines_done : 0;
   if (uint32_t status = count_strip(image); ZEP_IS_ERROR(status)) return status;

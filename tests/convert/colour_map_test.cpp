@@ -177,7 +177,14 @@ TEST(CmapGenerate, RefusalsAndTheirMessages) {
   EXPECT_EQ(ZEP_cmap_generate(image, 16, 3), ZEP_ERR_INTERNAL);
   EXPECT_EQ(errors.last().function, "ZEP_cmap_generate_1_strip");
   EXPECT_EQ(errors.last().message, "More than 8 bits in one colour");
+  // The failure left the generation busy: an image without colour-map information is refused
+  // until mode 4 ends it.
+  ScopedImage other;
+  fill_image(other, ZEP_Y8, 2, 1, {1, 2});
+  EXPECT_EQ(ZEP_cmap_generate(other, 16, 3), ZEP_ERR_STATE);
+  EXPECT_EQ(errors.last().message, "Colourmap information does not exist");
   ZEP_cmap_generate(image, 16, 4);
+  EXPECT_EQ(ZEP_cmap_generate(other, 16, 3), 0u);
 }
 
 TEST(PalettedTables, GreyAndRgb16ThroughTheTables) {
