@@ -2,6 +2,7 @@
 // strip the way a caller feeds them, and small byte helpers.
 #pragma once
 
+#include "imaging/convert/rgb_rows.h"
 #include "support/error_capture.h"
 
 #include <gtest/gtest.h>
@@ -84,14 +85,7 @@ inline Bytes random_bytes(size_t n, uint32_t seed) {
   return bytes;
 }
 
-inline uint32_t pixel_bytes(uint16_t type) {
-  switch (type) {
-    case ZEP_Y8: case ZEP_PALETTED: case ZEP_RGB8: return 1;
-    case ZEP_RGB15: case ZEP_RGB16: case ZEP_YUV422: case ZEP_Y16: return 2;
-    case ZEP_RGB24: case ZEP_BGR24: return 3;
-    default: return 4;
-  }
-}
+using vrc::convert::pixel_bytes;
 
 // Random pixels of an image of `type`, with zero line padding.
 inline Bytes random_image(uint16_t type, uint32_t width, uint32_t height, uint32_t seed, uint32_t line_align = 2) {
