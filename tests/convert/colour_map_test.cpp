@@ -218,12 +218,8 @@ TEST(PalettedTables, YuvThroughTheTableMatchesTheClosestColour) {
   const Bytes out = strip_bytes(dst);
   for (uint32_t i = 0; i < 32 * 4; ++i) {
     const uint8_t *pair = &yuv[4 * (i / 2)];
-    const int y = pair[i % 2 ? 2 : 0] & 0xF8, u = (pair[1] & 0xF8) - 128, v = (pair[3] & 0xF8) - 128;
-    const auto clamp = [](int x) { return uint8_t(std::clamp(x, 0, 255)); };
-    const uint32_t expected = ZEP_cmap_find_closest_colour(src, clamp((1024 * y + 1436 * v) >> 10),
-                                                           clamp((1024 * y - 731 * v - 352 * u) >> 10),
-                                                           clamp((1024 * y + 1815 * u) >> 10));
-    ASSERT_EQ(out[i], expected) << i;
+    const Rgb c = reference_rgb(pair[i % 2 ? 2 : 0] & 0xF8, pair[1] & 0xF8, pair[3] & 0xF8);
+    ASSERT_EQ(out[i], ZEP_cmap_find_closest_colour(src, uint8_t(c.r), uint8_t(c.g), uint8_t(c.b))) << i;
   }
 }
 

@@ -96,4 +96,16 @@ inline Bytes random_image(uint16_t type, uint32_t width, uint32_t height, uint32
   return bytes;
 }
 
+struct Rgb {
+  int r, g, b;
+};
+
+// The YUV-to-RGB arithmetic as written down: each result shifted arithmetically, then clamped.
+inline Rgb reference_rgb(int y, int u_stored, int v_stored) {
+  const int u = u_stored - 128, v = v_stored - 128;
+  const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
+  return {clamp((1024 * y + 1436 * v) >> 10), clamp((1024 * y - 731 * v - 352 * u) >> 10),
+          clamp((1024 * y + 1815 * u) >> 10)};
+}
+
 }  // namespace vrc::test

@@ -8,18 +8,6 @@ using namespace vrc::test;
 
 namespace {
 
-struct Rgb {
-  int r, g, b;
-};
-
-// The arithmetic as written down: each result shifted arithmetically, then clamped.
-Rgb reference_rgb(int y, int u_stored, int v_stored) {
-  const int u = u_stored - 128, v = v_stored - 128;
-  const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
-  return {clamp((1024 * y + 1436 * v) >> 10), clamp((1024 * y - 731 * v - 352 * u) >> 10),
-          clamp((1024 * y + 1815 * u) >> 10)};
-}
-
 TEST(Yuv422Arithmetic, HandDerivedPixels) {
   ErrorCapture errors;
   ScopedImage src, dst;
