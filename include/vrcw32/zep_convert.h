@@ -125,7 +125,10 @@ uint32_t ZEP_image_is_colour(uint32_t handle);
  * wins a tie; 0 for an empty map. */
 uint32_t ZEP_cmap_find_closest_colour(uint32_t handle, uint8_t red, uint8_t green, uint8_t blue);
 
-/* Builds the map from the image's colours (strip protocol; ZEP_RGB24, ZEP_Y16, ZEP_Y8). */
+/* Builds the map from the image's colours (strip protocol; ZEP_RGB24, ZEP_Y16, ZEP_Y8). The
+ * generation state is process-wide: a strip of an image without colour-map information that
+ * arrives while a generation is busy fails with "Colourmap information does not exist"
+ * (0x100B0000). */
 uint32_t ZEP_cmap_generate(uint32_t handle, uint16_t colours, uint16_t mode);
 
 /* Fills counts[0..255] with the pixels the last generation counted for each map entry (0 for an
