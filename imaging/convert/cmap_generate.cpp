@@ -59,7 +59,7 @@ uint32_t count_strip(const ZEP_IMAGE &image) {
   const uint64_t stride = row_bytes + (image.type == ZEP_Y16 ? 0 : (width & 1));
   const uint64_t extent = uint64_t{image.bytes_per_line} * image.lines_this_strip;
   const auto count = [&](uint32_t key) {
-    if (key < info.histogram_size) ++info.histogram[key][1];
+    if (key < info.histogram_size && key < ZEP_CMAP_HISTOGRAM_ENTRIES) ++info.histogram[key][1];
   };
   const auto grey_key = [&](uint8_t value) { return uint32_t{value} >> (8 - info.grey_bits); };
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {

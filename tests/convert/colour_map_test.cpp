@@ -185,6 +185,16 @@ TEST(CmapGenerate, RefusalsAndTheirMessages) {
   EXPECT_EQ(errors.last().message, "Colourmap information does not exist");
   ZEP_cmap_generate(image, 16, 4);
   EXPECT_EQ(ZEP_cmap_generate(other, 16, 3), 0u);
+
+  // Depths and size changed between strips: keys past the 4096 entries are not counted.
+  fill_image(image, ZEP_RGB24, 2, 2, Bytes(12, 255));
+  info.red_bits = info.green_bits = info.blue_bits = 4;
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 1);
+  ASSERT_EQ(ZEP_cmap_generate(image, 16, 3), 0u);
+  info.red_bits = info.green_bits = info.blue_bits = 8;
+  info.histogram_size = 1u << 24;
+  EXPECT_EQ(ZEP_cmap_generate(image, 16, 3), 0u);
+  EXPECT_EQ(info.histogram[0xFFF][1], 2u);
 }
 
 TEST(PalettedTables, GreyAndRgb16ThroughTheTables) {
