@@ -59,7 +59,7 @@ uint32_t count_strip(const ZEP_IMAGE &image) {
   const uint64_t stride = row_bytes + (image.type == ZEP_Y16 ? 0 : (width & 1));
   const uint64_t extent = uint64_t{image.bytes_per_line} * image.lines_this_strip;
   const auto count = [&](uint32_t key) {
-    if (key < info.histogram_size) ++info.histogram[key][1];
+    if (key < info.histogram_size && key < ZEP_CMAP_HISTOGRAM_ENTRIES) ++info.histogram[key][1];
   };
   const auto grey_key = [&](uint8_t value) { return uint32_t{value} >> (8 - info.grey_bits); };
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {
@@ -145,6 +145,9 @@ uint32_t generate(uint32_t handle, uint16_t colours, uint16_t mode) {
     return ZEP_OK;
   }
   if (mode != ZEP_MODE_NEXT_STRIP) return ZEP_OK;
+  // A generation left busy by another image continues here; this image may have no histogram.
+  if (image.cmap_info == nullptr)
+    return core::report(kName, ZEP_ERR_STATE, "Colourmap information does not exist");
   const bool last = g_state.lines_done + image.lines_this_strip >= image.height;
   if (last) image.lines_this_strip = image.height > g_state.lines_done ? image.height - g_state.lines_done : 0;
   if (uint32_t status = count_strip(image); ZEP_IS_ERROR(status)) return status;

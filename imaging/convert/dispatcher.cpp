@@ -1,6 +1,6 @@
 // ZEP_image_convert: chooses the conversion member by the requested output type and the source's
 // type. YUV 4:2:2 sources have their own members (with table-driven variants for the colour
-// outputs); every other source goes through the general family.
+// outputs) and no others; every other source goes through the general family.
 #include "vrcw32/zep_convert.h"
 #include "vrcw32/zep_files.h"
 
@@ -59,9 +59,8 @@ const Route *find_route(const Route (&routes)[N], uint16_t out_type) {
 // The member for this request, or null when the output type has none.
 MemberFn choose_member(const ZEP_IMAGE *source, uint16_t out_type, uint32_t dst_flags) {
   if (out_type == ZEP_PALETTED_TO_DIRECT) return ZEP_paletted_to_RGB24_or_Y8;
-  const Route *route = nullptr;
-  if (source != nullptr && source->type == ZEP_YUV422) route = find_route(kYuv422Routes, out_type);
-  if (route == nullptr) route = find_route(kGeneralRoutes, out_type);
+  const bool yuv422 = source != nullptr && source->type == ZEP_YUV422;
+  const Route *route = yuv422 ? find_route(kYuv422Routes, out_type) : find_route(kGeneralRoutes, out_type);
   if (route == nullptr) return nullptr;
   return (dst_flags & ZEP_FLAG_USE_LUT) && route->with_lut ? route->with_lut : route->direct;
 }
@@ -83,8 +82,8 @@ extern "C" uint32_t ZEP_image_convert(uint32_t src, uint32_t dst, uint16_t out_t
     if (member == nullptr)
       return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED,
                           "Unsupported or unrecognized output image format");
+    // The destination no longer holds JPEG data once a member has run, whatever its result.
     const uint32_t status = member(src, dst, mode);
-    if (ZEP_IS_ERROR(status)) return status;
     if (ZEP_IMAGE *converted = core::image_record(dst)) converted->flags &= ~ZEP_FLAG_JPEG;
     return status;
   });

@@ -17,14 +17,15 @@ constexpr uint16_t kLutSources[] = {ZEP_RGB16, ZEP_Y8, ZEP_Y16};
 constexpr uint16_t kPalettedOnly[] = {ZEP_PALETTED};
 
 // Quantised key of a colour under the source's histogram depths, or ZEP_CMAP_NO_INDEX when the
-// record cannot give one (no record, or depths that do not fit the histogram).
+// record cannot give one (no record, or the depths the source uses do not fit the histogram:
+// grey sources use only the grey depth, RGB24 sources only the three colour depths).
 class KeyMaker {
  public:
-  explicit KeyMaker(const ZEP_CMAP_INFO *info) : m_info(info) {
+  KeyMaker(const ZEP_CMAP_INFO *info, bool grey) : m_info(info) {
     if (info == nullptr) return;
     const uint32_t bits = info->red_bits + info->green_bits + info->blue_bits;
-    m_usable = info->red_bits <= 8 && info->green_bits <= 8 && info->blue_bits <= 8 &&
-               info->grey_bits <= 8 && bits <= 12;
+    m_usable = grey ? info->grey_bits <= 8
+                    : info->red_bits <= 8 && info->green_bits <= 8 && info->blue_bits <= 8 && bits <= 12;
   }
   uint32_t grey(uint8_t value) const {
     return m_usable ? value >> (8 - m_info->grey_bits) : ZEP_CMAP_NO_INDEX;
@@ -53,7 +54,7 @@ uint32_t paletted_worker(const StripJob &job) {
   const uint32_t odd = width & 1;
   const bool grey = job.src.type == ZEP_Y8;
   const uint32_t row_bytes = grey ? width : 3 * width;
-  const KeyMaker keys(static_cast<const ZEP_CMAP_INFO *>(job.src.cmap_info));
+  const KeyMaker keys(static_cast<const ZEP_CMAP_INFO *>(job.src.cmap_info), grey);
   const uint32_t colours = searched_entries(job.dst);
   const auto pick = [&](uint32_t key, uint8_t r, uint8_t g, uint8_t b) {
     const uint32_t index = keys.index_of(key);

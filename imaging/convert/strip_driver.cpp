@@ -122,6 +122,10 @@ void for_each_row(const StripJob &job, const RowLayout &layout,
   const uint64_t dst_bytes = uint64_t{job.dst.bytes_per_line} * job.dst.lines_this_strip;
   std::vector<uint8_t> src_spill;
   std::vector<uint8_t> dst_spill;
+  // Rows and their padding cover lines x stride bytes; a strip longer than that (strides shorter
+  // than bytes_per_line) gets zeros in the rest rather than whatever the allocation held.
+  const uint64_t rows_end = uint64_t{layout.dst_stride} * lines;
+  if (rows_end < dst_bytes) std::memset(job.dst.data + rows_end, 0, dst_bytes - rows_end);
   for (uint32_t line = 0; line < lines; ++line) {
     const uint64_t src_at = uint64_t{layout.src_stride} * line;
     const uint64_t dst_at = uint64_t{layout.dst_stride} * line;

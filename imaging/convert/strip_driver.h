@@ -67,7 +67,8 @@ RowLayout padded_layout(const StripJob &job, uint32_t src_bytes_per_pixel,
 
 // Calls `row(src_row, dst_row, line_index)` for each line of the strip. A row that would reach
 // past the end of a strip (strides that drift from bytes_per_line) reads zeros beyond the source
-// and writes only the part of the destination inside it.
+// and writes only the part of the destination inside it. Destination bytes that no row reaches
+// are zeros.
 void for_each_row(const StripJob &job, const RowLayout &layout,
                   const std::function<void(const uint8_t *, uint8_t *, uint32_t)> &row);
 

@@ -18,13 +18,16 @@ uint32_t yuv422_source(const char *member_name, const ZEP_IMAGE &src) {
   return ZEP_OK;
 }
 
-// Runs `row(yuv_row, out_row, pairs)` over the strip after allocating the destination.
+// Runs `row(yuv_row, out_row, pairs)` over the strip after allocating the destination. Lines
+// follow one another with no padding in source or destination (none arises at even widths with
+// the usual alignment of 2).
 template <typename Row>
 uint32_t walk_pairs(const StripJob &job, uint32_t out_pixel_bytes, Row row) {
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
-  const uint32_t pairs = job.src.width / 2;
-  for_each_row(job, padded_layout(job, 2, out_pixel_bytes),
-               [&](const uint8_t *s, uint8_t *d, uint32_t) { row(s, d, pairs); });
+  const uint32_t width = job.src.width;
+  const uint32_t pairs = width / 2;
+  const RowLayout packed{2 * width, 2 * width, out_pixel_bytes * width, out_pixel_bytes * width};
+  for_each_row(job, packed, [&](const uint8_t *s, uint8_t *d, uint32_t) { row(s, d, pairs); });
   return ZEP_OK;
 }
 

@@ -42,7 +42,8 @@
  *                               plus 360 when negative
  *                    byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B)
  *                    byte 3     intensity: (R + G + B) / 3
- *   YUV422 members lay out each destination line at the destination's bytes_per_line.
+ *   YUV422 members read and write lines with no padding between them (at even widths and the
+ *                  usual line alignment of 2 there is none); strip bytes past the lines are 0.
  *
  * Conversion tables (ids 200..205) are process-wide; the _LUT members need the table they read
  * to have been generated or loaded: without it they fail with "Conversion LUT does not exist"
@@ -124,7 +125,10 @@ uint32_t ZEP_image_is_colour(uint32_t handle);
  * wins a tie; 0 for an empty map. */
 uint32_t ZEP_cmap_find_closest_colour(uint32_t handle, uint8_t red, uint8_t green, uint8_t blue);
 
-/* Builds the map from the image's colours (strip protocol; ZEP_RGB24, ZEP_Y16, ZEP_Y8). */
+/* Builds the map from the image's colours (strip protocol; ZEP_RGB24, ZEP_Y16, ZEP_Y8). The
+ * generation state is process-wide: a strip of an image without colour-map information that
+ * arrives while a generation is busy fails with "Colourmap information does not exist"
+ * (0x100B0000). */
 uint32_t ZEP_cmap_generate(uint32_t handle, uint16_t colours, uint16_t mode);
 
 /* Fills counts[0..255] with the pixels the last generation counted for each map entry (0 for an

@@ -109,6 +109,25 @@ TEST(CmapGenerate, SingleGreyValue) {
   EXPECT_EQ(counts[1], 0u);
 }
 
+// A grey source's keys use the grey depth only, whatever the colour depths of the record say.
+TEST(CmapGenerate, GreyConversionUsesTheHistogramWhateverTheColourDepths) {
+  ErrorCapture errors;
+  ScopedImage image, out;
+  fill_image(image, ZEP_Y8, 6, 1, {70, 70, 70, 70, 70, 130});
+  record_of(image).cmap_info = ZEP_cmap_create_info();
+  auto &info = *static_cast<ZEP_CMAP_INFO *>(record_of(image).cmap_info);
+  info.grey_bits = 2;
+  info.red_bits = info.green_bits = info.blue_bits = 5;
+  ASSERT_EQ(ZEP_cmap_generate(image, 2, 3), 0u);
+  EXPECT_EQ(entry(image, 0), 0x606060u);  // key 1: 64 + 32
+  EXPECT_EQ(entry(image, 1), 0xA0A0A0u);  // key 2: 128 + 32
+  // 128 has key 2 (entry 1), although it lies as near entry 0 as entry 1.
+  fill_image(image, ZEP_Y8, 6, 1, {128, 70, 127, 0, 255, 160});
+  ASSERT_EQ(ZEP_convert_to_paletted(image, out, 3), 0u);
+  EXPECT_EQ(strip_bytes(out), (Bytes{1, 0, 0, 0, 1, 1}));
+  EXPECT_EQ(errors.count(), 0u);
+}
+
 TEST(CmapGenerate, RgbCellCentresCountOrderAndLaterGenerations) {
   ErrorCapture errors;
   ScopedImage image, second, out;
@@ -158,7 +177,24 @@ TEST(CmapGenerate, RefusalsAndTheirMessages) {
   EXPECT_EQ(ZEP_cmap_generate(image, 16, 3), ZEP_ERR_INTERNAL);
   EXPECT_EQ(errors.last().function, "ZEP_cmap_generate_1_strip");
   EXPECT_EQ(errors.last().message, "More than 8 bits in one colour");
+  // The failure left the generation busy: an image without colour-map information is refused
+  // until mode 4 ends it.
+  ScopedImage other;
+  fill_image(other, ZEP_Y8, 2, 1, {1, 2});
+  EXPECT_EQ(ZEP_cmap_generate(other, 16, 3), ZEP_ERR_STATE);
+  EXPECT_EQ(errors.last().message, "Colourmap information does not exist");
   ZEP_cmap_generate(image, 16, 4);
+  EXPECT_EQ(ZEP_cmap_generate(other, 16, 3), 0u);
+
+  // Depths and size changed between strips: keys past the 4096 entries are not counted.
+  fill_image(image, ZEP_RGB24, 2, 2, Bytes(12, 255));
+  info.red_bits = info.green_bits = info.blue_bits = 4;
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 1);
+  ASSERT_EQ(ZEP_cmap_generate(image, 16, 3), 0u);
+  info.red_bits = info.green_bits = info.blue_bits = 8;
+  info.histogram_size = 1u << 24;
+  EXPECT_EQ(ZEP_cmap_generate(image, 16, 3), 0u);
+  EXPECT_EQ(info.histogram[0xFFF][1], 2u);
 }
 
 TEST(PalettedTables, GreyAndRgb16ThroughTheTables) {
@@ -192,12 +228,8 @@ TEST(PalettedTables, YuvThroughTheTableMatchesTheClosestColour) {
   const Bytes out = strip_bytes(dst);
   for (uint32_t i = 0; i < 32 * 4; ++i) {
     const uint8_t *pair = &yuv[4 * (i / 2)];
-    const int y = pair[i % 2 ? 2 : 0] & 0xF8, u = (pair[1] & 0xF8) - 128, v = (pair[3] & 0xF8) - 128;
-    const auto clamp = [](int x) { return uint8_t(std::clamp(x, 0, 255)); };
-    const uint32_t expected = ZEP_cmap_find_closest_colour(src, clamp((1024 * y + 1436 * v) >> 10),
-                                                           clamp((1024 * y - 731 * v - 352 * u) >> 10),
-                                                           clamp((1024 * y + 1815 * u) >> 10));
-    ASSERT_EQ(out[i], expected) << i;
+    const Rgb c = reference_rgb(pair[i % 2 ? 2 : 0] & 0xF8, pair[1] & 0xF8, pair[3] & 0xF8);
+    ASSERT_EQ(out[i], ZEP_cmap_find_closest_colour(src, uint8_t(c.r), uint8_t(c.g), uint8_t(c.b))) << i;
   }
 }
 

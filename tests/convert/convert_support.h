@@ -2,6 +2,7 @@
 // strip the way a caller feeds them, and small byte helpers.
 #pragma once
 
+#include "imaging/convert/rgb_rows.h"
 #include "support/error_capture.h"
 
 #include <gtest/gtest.h>
@@ -84,14 +85,7 @@ inline Bytes random_bytes(size_t n, uint32_t seed) {
   return bytes;
 }
 
-inline uint32_t pixel_bytes(uint16_t type) {
-  switch (type) {
-    case ZEP_Y8: case ZEP_PALETTED: case ZEP_RGB8: return 1;
-    case ZEP_RGB15: case ZEP_RGB16: case ZEP_YUV422: case ZEP_Y16: return 2;
-    case ZEP_RGB24: case ZEP_BGR24: return 3;
-    default: return 4;
-  }
-}
+using vrc::convert::pixel_bytes;
 
 // Random pixels of an image of `type`, with zero line padding.
 inline Bytes random_image(uint16_t type, uint32_t width, uint32_t height, uint32_t seed, uint32_t line_align = 2) {
@@ -100,6 +94,18 @@ inline Bytes random_image(uint16_t type, uint32_t width, uint32_t height, uint32
   Bytes bytes = random_bytes(size_t{line} * height, seed);
   for (uint32_t y = 0; y < height; ++y) std::fill(bytes.begin() + y * line + used, bytes.begin() + (y + 1) * line, 0);
   return bytes;
+}
+
+struct Rgb {
+  int r, g, b;
+};
+
+// The YUV-to-RGB arithmetic as written down: each result shifted arithmetically, then clamped.
+inline Rgb reference_rgb(int y, int u_stored, int v_stored) {
+  const int u = u_stored - 128, v = v_stored - 128;
+  const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
+  return {clamp((1024 * y + 1436 * v) >> 10), clamp((1024 * y - 731 * v - 352 * u) >> 10),
+          clamp((1024 * y + 1815 * u) >> 10)};
 }
 
 }  // namespace vrc::test

@@ -44,9 +44,17 @@ TEST(Dispatcher, UnknownOutputTypesAreRefused) {
   }
   EXPECT_EQ(ZEP_image_convert(yuv, dst, ZEP_HSI, 0, 3), 0u);
   EXPECT_EQ(record_of(dst).type, ZEP_HSI);
+  // A YUV 4:2:2 source has only its own members: no general member is tried for it.
+  for (int out : {ZEP_RGB8, ZEP_CMYK32}) {
+    errors.clear();
+    EXPECT_EQ(ZEP_image_convert(yuv, dst, static_cast<uint16_t>(out), 0, 3), ZEP_ERR_UNSUPPORTED) << out;
+    ASSERT_EQ(errors.count(), 1u);
+    EXPECT_EQ(errors.last().function, "ZEP_image_convert");
+    EXPECT_EQ(errors.last().message, "Unsupported or unrecognized output image format");
+  }
 }
 
-TEST(Dispatcher, ClearsTheJpegFlagAfterSuccessAndChoosesTableMembers) {
+TEST(Dispatcher, ClearsTheJpegFlagAfterEveryMemberAndChoosesTableMembers) {
   ErrorCapture errors;
   ScopedImage src, dst;
   fill_image(src, ZEP_YUV422, 2, 1, {200, 90, 100, 180});
@@ -58,7 +66,7 @@ TEST(Dispatcher, ClearsTheJpegFlagAfterSuccessAndChoosesTableMembers) {
   EXPECT_EQ(ZEP_image_convert(src, dst, ZEP_RGB24, ZEP_FLAG_USE_LUT, 3), ZEP_ERR_STATE);
   EXPECT_EQ(errors.last().function, "ZEP_YUV422_to_RGB24_LUT_1_strip");
   EXPECT_EQ(errors.last().message, "Conversion LUT does not exist");
-  EXPECT_EQ(record_of(dst).flags, ZEP_FLAG_JPEG | ZEP_FLAG_FIELDS);  // not cleared on failure
+  EXPECT_EQ(record_of(dst).flags, ZEP_FLAG_FIELDS);  // cleared after a failing member too
   ZEP_image_convert(src, dst, ZEP_RGB24, ZEP_FLAG_USE_LUT, 4);  // the failure left it busy
 }
 

@@ -8,18 +8,6 @@ using namespace vrc::test;
 
 namespace {
 
-struct Rgb {
-  int r, g, b;
-};
-
-// The arithmetic as written down: each result shifted arithmetically, then clamped.
-Rgb reference_rgb(int y, int u_stored, int v_stored) {
-  const int u = u_stored - 128, v = v_stored - 128;
-  const auto clamp = [](int x) { return std::clamp(x, 0, 255); };
-  return {clamp((1024 * y + 1436 * v) >> 10), clamp((1024 * y - 731 * v - 352 * u) >> 10),
-          clamp((1024 * y + 1815 * u) >> 10)};
-}
-
 TEST(Yuv422Arithmetic, HandDerivedPixels) {
   ErrorCapture errors;
   ScopedImage src, dst;
@@ -34,6 +22,19 @@ TEST(Yuv422Arithmetic, HandDerivedPixels) {
   fill_image(src, ZEP_YUV422, 2, 1, {255, 255, 255, 128});
   ASSERT_EQ(ZEP_YUV422_to_RGB24(src, dst, 3), 0u);
   EXPECT_EQ(strip_bytes(dst), (Bytes{255, 211, 255, 255, 211, 255}));
+}
+
+// At a line alignment of 4 the destination's lines would be padded; the YUV members write them
+// one after the other all the same, and the rest of the strip is zeros.
+TEST(Yuv422Arithmetic, LinesFollowOneAnotherWithoutPadding) {
+  ErrorCapture errors;
+  ScopedImage src, dst;
+  fill_image(src, ZEP_YUV422, 2, 2, {128, 128, 255, 128, 0, 255, 0, 0}, 4);
+  ASSERT_EQ(ZEP_YUV422_to_RGB24(src, dst, 3), 0u);
+  EXPECT_EQ(record_of(dst).bytes_per_line, 8u);
+  EXPECT_EQ(strip_bytes(dst), (Bytes{128, 128, 128, 255, 255, 255, 0, 47, 225, 0, 47, 225, 0, 0, 0, 0}));
+  ASSERT_EQ(ZEP_YUV422_to_Y8(src, dst, 3), 0u);
+  EXPECT_EQ(strip_bytes(dst), (Bytes{128, 255, 0, 0, 0, 0, 0, 0}));
 }
 
 // Every colour output of random images, several widths and strip heights, against the formula.
