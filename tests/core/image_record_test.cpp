@@ -86,9 +86,15 @@ TEST(ImageRecord, RejectedTypesAreStoredAndReported) {
     EXPECT_EQ(errors.last().message, "Unrecognized image type");
   }
   errors.clear();
+  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, 3);
+  ZEP_image_set_parameter(image, ZEP_IMAGE_DEPTH, 24);
   EXPECT_EQ(ZEP_image_check(image), 0x10050010u);
   EXPECT_EQ(errors.last().message, "Unrecognised image");
   EXPECT_EQ(errors.last().function, "ZEP_image_check");
+  // The line lengths and the frame count are brought up to date before the type is refused.
+  EXPECT_EQ(ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE), 10u);
+  EXPECT_EQ(image.record().skip_bytes, 1u);
+  EXPECT_EQ(ZEP_image_get_parameter(image, ZEP_NUM_FRAMES), 1u);
 }
 
 TEST(ImageRecord, PalettedTypeGivesAnEmptyMapItsFullSize) {
