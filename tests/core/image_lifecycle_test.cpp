@@ -128,6 +128,33 @@ TEST(CopyAndMove, CopyDuplicatesParametersMapAndPixels) {
   EXPECT_EQ(errors.count(), 0u);
 }
 
+TEST(CopyAndMove, CopiesOntoItselfOrFromALockedBufferStayInsideTheirBuffers) {
+  ErrorCapture errors;
+  ScopedImage src, dst;
+  ZEP_ImageMake(src, 6, 4, ZEP_Y8, 5);
+  const uint8_t *own_buffer = src.record().data;
+  const std::vector<uint8_t> pixels = strip_bytes(src);
+  EXPECT_EQ(ZEP_image_copy(src, src), 0u);
+  EXPECT_EQ(src.record().data, own_buffer);
+  EXPECT_EQ(strip_bytes(src), pixels);
+
+  // The locked flag comes over with the parameters; dst's own 4-byte buffer must not receive
+  // the 64 x 8 source strip as if it were a caller's buffer of that size.
+  std::vector<uint8_t> caller_buffer(64 * 8);
+  for (std::size_t i = 0; i < caller_buffer.size(); ++i) caller_buffer[i] = static_cast<uint8_t>(i);
+  ZEP_ImageMake(dst, 2, 2, ZEP_Y8, 1);
+  const uint8_t *small_buffer = dst.record().data;
+  ZEP_image_set_parameter(src, ZEP_IMAGE_WIDTH, 64);
+  ZEP_image_set_parameter(src, ZEP_LINES_THIS_STRIP, 8);
+  ZEP_image_set_ptr(src, ZEP_DATA_PTR, caller_buffer.data());
+  ZEP_image_set_flags(src, ZEP_FLAG_LOCKED, 1);
+  ASSERT_EQ(ZEP_image_copy(src, dst), 0u);
+  EXPECT_NE(dst.record().data, small_buffer);
+  EXPECT_EQ(strip_bytes(dst), caller_buffer);
+  ZEP_image_set_ptr(src, ZEP_DATA_PTR, nullptr);  // destroy would free even a locked buffer
+  EXPECT_EQ(errors.count(), 0u);
+}
+
 TEST(CopyAndMove, HeaderOnlyCopyAndFailures) {
   ErrorCapture errors;
   ScopedImage src, dst;
