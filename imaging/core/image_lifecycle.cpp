@@ -37,24 +37,29 @@ void release_data(ZEP_IMAGE &image) {
   if (image.jpeg != nullptr) vrc::core::jpeg_record_free_data(image.jpeg);
 }
 
-void destroy_one(uint32_t handle, ZEP_IMAGE *image) {
-  image->flags &= ~ZEP_FLAG_LOCKED;
+// Under the lock, releases the data (even a caller's locked buffer: destroy always does) and
+// empties the slot, so that neither a bulk operation nor a second destroy on another thread can
+// reach the record afterwards; the rest of the record is freed outside the lock.
+void destroy_one(uint32_t handle) {
+  ZEP_IMAGE *image = nullptr;
   {
     LibraryLock lock;
+    image = vrc::core::image_record(handle);
+    if (image == nullptr) return;
+    image->flags &= ~ZEP_FLAG_LOCKED;
     release_data(*image);
+    vrc::core::table_store(handle, nullptr);
   }
   std::free(image->cmap);
   std::free(image->cmap_info);
   vrc::core::jpeg_record_destroy(image->jpeg);
   std::free(image);
-  LibraryLock lock;
-  vrc::core::table_store(handle, nullptr);
 }
 
 uint32_t destroy_all() {
   {
     LibraryLock lock;
-    vrc::core::table_for_each(destroy_one);
+    vrc::core::table_for_each([](uint32_t handle, ZEP_IMAGE *) { destroy_one(handle); });
   }
   vrc::core::run_teardown_hooks();
   LibraryLock lock;
@@ -100,13 +105,13 @@ uint32_t ZEP_image_create(void) {
 uint32_t ZEP_image_destroy(uint32_t handle) {
   if (handle == ZEP_ALL_IMAGES) return destroy_all();
   if (handle == ZEP_ANY_IMAGES_LEFT) return destroy_if_none_left();
-  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) destroy_one(handle, image);
+  destroy_one(handle);
   return 0;
 }
 
 uint32_t ZEP_ImageUnlockAndDestroy(uint32_t handle) {
-  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) image->flags &= ~ZEP_FLAG_LOCKED;
-  return ZEP_image_destroy(handle);
+  ZEP_image_destroy(handle);  // which clears the locked flag of every image it releases
+  return 0;
 }
 
 uint32_t ZEP_image_malloc_a_strip(uint32_t handle) {
