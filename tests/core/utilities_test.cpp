@@ -1,6 +1,6 @@
 // Byte-order helpers, the library lock, allocation counters, the token reader and the
 // command-line splitter.
-#include "vrcw32/zep.h"
+#include "support/error_capture.h"
 
 #include <gtest/gtest.h>
 
@@ -83,6 +83,17 @@ TEST(Lock, IsRecursiveAndExcludesOtherThreads) {
   EXPECT_EQ(ZEP_CriticalSectionEnd(), 0u);
   other.join();
   EXPECT_EQ(counter, 11);
+}
+
+TEST(Lock, AFailedReleaseIsShownWithTheCodeInTheCaptionAndTheNameAsTheBody) {
+  vrc::test::MessageBoxCapture box;
+  EXPECT_EQ(ZEP_CriticalSectionEnd(), 0u);  // not held by this thread: the platform refuses
+  EXPECT_EQ(box.count(), 1);
+  EXPECT_EQ(box.caption(), "Failed with ExceptionCode 0x00000001 in ZEP_CriticalSectionEnd. Aborting!");
+  EXPECT_EQ(box.text(), "ZEP_CriticalSectionEnd");
+  EXPECT_EQ(ZEP_CriticalSectionBegin(), 0u);  // the lock still works afterwards
+  EXPECT_EQ(ZEP_CriticalSectionEnd(), 0u);
+  EXPECT_EQ(box.count(), 1);
 }
 
 TEST(Allocation, CountersAddOnlySuccessfulAllocations) {
