@@ -117,7 +117,12 @@ TEST(Sscanf, ReadsTheLeadingNumberAndStopsAtTheNextBlank) {
   char unterminated[] = "123";
   EXPECT_EQ(ZEP_sscanf(unterminated, &value), unterminated + 3);  // stops at the text's end
   EXPECT_EQ(value, 123);
+  vrc::test::ErrorCapture errors;
   EXPECT_EQ(ZEP_sscanf(nullptr, &value), nullptr);
+  ASSERT_EQ(errors.count(), 1u);
+  EXPECT_EQ(errors.last().function, "ZEP_sscanf");
+  EXPECT_EQ(errors.last().code, ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Text is NULL");
 }
 
 TEST(ParseCommand, SplitsOptionsAndArgumentsAndEmptiesTheProgramName) {
@@ -152,4 +157,11 @@ TEST(ParseCommand, SurplusWordsAreIgnoredAndLongWordsCut) {
   const char *long_word[] = {"p", words.back().c_str()};
   ZEP_Util_ParseCommand(&line, 2, const_cast<char **>(long_word));
   EXPECT_EQ(std::string(line.argument[0]), std::string(127, 'L'));
+
+  vrc::test::ErrorCapture errors;
+  EXPECT_EQ(ZEP_Util_ParseCommand(nullptr, 2, argv.data()), ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Record is NULL");
+  EXPECT_EQ(ZEP_Util_ParseCommand(&line, 2, nullptr), ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Argument list is NULL");
+  EXPECT_EQ(errors.last().function, "ZEP_Util_ParseCommand");
 }
