@@ -2,6 +2,7 @@
 // handler, which composes the report text and shows it.
 #include "imaging/core/error_table.h"
 #include "imaging/core/handle_table.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/message_box.h"
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
@@ -110,9 +111,8 @@ uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t c
 }
 
 uint32_t ZEP_ErrHandlerInstall(ZEP_ERR_HANDLER handler) {
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   __atomic_store_n(&vrc::core::error_table()[ZEP_LIBRARY_NUMBER].handler, handler, __ATOMIC_RELEASE);
-  ZEP_CriticalSectionEnd();
   return 0;
 }
 

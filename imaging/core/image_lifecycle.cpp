@@ -3,6 +3,7 @@
 #include "imaging/core/init.h"
 #include "imaging/core/jpeg_record.h"
 #include "imaging/core/library_hooks.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
 
@@ -11,16 +12,23 @@
 
 namespace {
 
+using vrc::core::LibraryLock;
+
+constexpr const char *kCreate = "ZEP_image_create";
 constexpr std::size_t kCmapBytes = 256 * 4;
 constexpr uint8_t kFreshFill = 0xAA;  // every byte of a new colour map
 
-class LibraryLock {
- public:
-  LibraryLock() { ZEP_CriticalSectionBegin(); }
-  ~LibraryLock() { ZEP_CriticalSectionEnd(); }
-  LibraryLock(const LibraryLock &) = delete;
-  LibraryLock &operator=(const LibraryLock &) = delete;
-};
+// Under the lock, stores a new zeroed record in the lowest free slot. Returns the handle, or
+// unreported 0x10080000 when no slot is free and 0x10060001 when the record cannot be allocated.
+uint32_t occupy_lowest_free_slot(ZEP_IMAGE *&image) {
+  LibraryLock lock;
+  uint32_t handle = vrc::core::table_lowest_free();
+  if (handle == 0) return ZEP_ERR_NO_HANDLES;
+  image = static_cast<ZEP_IMAGE *>(std::calloc(1, sizeof(ZEP_IMAGE)));
+  if (image == nullptr) return ZEP_ERR_MEMORY | 1;
+  vrc::core::table_store(handle, image);
+  return handle;
+}
 
 void set_defaults(ZEP_IMAGE &image) {
   image.height = 32767;
@@ -79,24 +87,15 @@ uint32_t destroy_if_none_left() {
 extern "C" {
 
 uint32_t ZEP_image_create(void) {
-  return vrc::core::api_guard("ZEP_image_create", []() -> uint32_t {
+  return vrc::core::api_guard(kCreate, []() -> uint32_t {
     vrc::core::ensure_initialised();
-    ZEP_CriticalSectionBegin();
-    uint32_t handle = vrc::core::table_lowest_free();
-    if (handle == 0) {
-      ZEP_CriticalSectionEnd();
-      return vrc::core::report("ZEP_image_create", ZEP_ERR_NO_HANDLES, "Run out of image handles");
-    }
-    auto *image = static_cast<ZEP_IMAGE *>(std::calloc(1, sizeof(ZEP_IMAGE)));
-    if (image == nullptr) {
-      ZEP_CriticalSectionEnd();
-      return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY | 1);
-    }
-    vrc::core::table_store(handle, image);
-    ZEP_CriticalSectionEnd();
+    ZEP_IMAGE *image = nullptr;
+    uint32_t handle = occupy_lowest_free_slot(image);
+    if (handle == ZEP_ERR_NO_HANDLES) return vrc::core::report(kCreate, handle, "Run out of image handles");
+    if (ZEP_IS_ERROR(handle)) return vrc::core::report(kCreate, handle);
     set_defaults(*image);
     image->cmap = static_cast<uint8_t *>(std::malloc(kCmapBytes));
-    if (image->cmap == nullptr) return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY);
+    if (image->cmap == nullptr) return vrc::core::report(kCreate, ZEP_ERR_MEMORY);
     std::memset(image->cmap, kFreshFill, kCmapBytes);
     return handle;
   });

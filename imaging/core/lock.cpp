@@ -4,6 +4,7 @@
 // thread does not hold, for one), a message box reports it, the caption carrying the error code
 // and the function's name and the body only the name, as the library has always shown it; the
 // failure is then taken as handled.
+#include "imaging/core/library_lock.h"
 #include "imaging/core/message_box.h"
 #include "vrcw32/zep_core.h"
 
@@ -55,27 +56,23 @@ uint32_t ZEP_CriticalSectionEnd(void) {
 void *ZEP_DebugMalloc(size_t size) {
   void *block = std::malloc(size);
   if (block != nullptr) {
-    ZEP_CriticalSectionBegin();
+    vrc::core::LibraryLock lock;
     ++g_counters.allocations;
     g_counters.bytes += static_cast<uint32_t>(size);
-    ZEP_CriticalSectionEnd();
   }
   return block;
 }
 
 void ZEP_DebugFree(void *pointer) {
   std::free(pointer);
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   ++g_counters.frees;
-  ZEP_CriticalSectionEnd();
 }
 
 uint32_t ZEP_DebugMallocPrint(void) {
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   g_counters.last_reported = g_counters.bytes;
-  uint32_t total = g_counters.bytes;
-  ZEP_CriticalSectionEnd();
-  return total;
+  return g_counters.bytes;
 }
 
 }  // extern "C"
