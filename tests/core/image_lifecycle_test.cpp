@@ -134,6 +134,7 @@ TEST(CopyAndMove, CopiesOntoItselfOrFromALockedBufferStayInsideTheirBuffers) {
   const uint8_t *small_buffer = dst.record().data;
   ZEP_image_set_parameter(src, ZEP_IMAGE_WIDTH, 64);
   ZEP_image_set_parameter(src, ZEP_LINES_THIS_STRIP, 8);
+  ZEP_image_free_data(src);  // setting the data pointer does not free the old buffer
   ZEP_image_set_ptr(src, ZEP_DATA_PTR, caller_buffer.data());
   ZEP_image_set_flags(src, ZEP_FLAG_LOCKED, 1);
   ASSERT_EQ(ZEP_image_copy(src, dst), 0u);
