@@ -1,10 +1,13 @@
 // The image record: defaults, type side effects, per-type checks, line rules, parameters,
 // pointers and flags.
+#include "imaging/core/jpeg_record.h"
 #include "support/error_capture.h"
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 using vrc::test::ErrorCapture;
@@ -307,6 +310,33 @@ TEST(ImageRecord, PointersAndTheJpegRecordHooks) {
   EXPECT_EQ(ZEP_image_set_ptr(image, 107, map), ZEP_ERR_BAD_PARAM);
   EXPECT_EQ(errors.last().message, "Unrecognized pointer type");
   EXPECT_EQ(ZEP_image_get_ptr(image, ZEP_JPEG_RECORD_PTR), nullptr);
+}
+
+TEST(ImageRecord, JpegPointersAndLengthReachTheRecordAndMoveHandsTheStreamOver) {
+  ErrorCapture errors;
+  ScopedImage src, dst;
+  ZEP_image_set_ptr(src, ZEP_JPEG_RECORD_PTR, vrc::core::jpeg_record_create());
+  ZEP_image_set_ptr(dst, ZEP_JPEG_RECORD_PTR, vrc::core::jpeg_record_create());
+  auto *stream = static_cast<uint8_t *>(std::malloc(16));  // freed with dst's record
+  char info[ZEP_JPEG_INFO_BLOCK_BYTES];
+  std::memset(info, 'i', sizeof info);
+  EXPECT_EQ(ZEP_image_set_ptr(src, ZEP_JPEG_BUFFER_PTR, stream), 0u);
+  EXPECT_EQ(ZEP_image_set_ptr(src, ZEP_JPEG_POSITION_PTR, stream + 4), 0u);
+  EXPECT_EQ(ZEP_image_set_ptr(src, ZEP_JPEG_INFO_BLOCK, info), 0u);
+  EXPECT_EQ(ZEP_image_set_parameter(src, ZEP_JPEG_LENGTH, 16), 0u);
+  EXPECT_EQ(ZEP_image_get_ptr(src, ZEP_JPEG_BUFFER_PTR), stream);
+  EXPECT_EQ(ZEP_image_get_ptr(src, ZEP_JPEG_POSITION_PTR), stream + 4);
+  EXPECT_EQ(std::memcmp(ZEP_image_get_ptr(src, ZEP_JPEG_INFO_BLOCK), info, sizeof info), 0);
+  EXPECT_EQ(ZEP_image_get_parameter(src, ZEP_JPEG_LENGTH), 16u);
+
+  ZEP_image_set_flags(src, ZEP_FLAG_JPEG, 1);
+  ASSERT_EQ(ZEP_image_move(src, dst), 0u);
+  EXPECT_EQ(ZEP_image_get_ptr(dst, ZEP_JPEG_BUFFER_PTR), stream);
+  EXPECT_EQ(ZEP_image_get_ptr(dst, ZEP_JPEG_POSITION_PTR), stream + 4);
+  EXPECT_EQ(ZEP_image_get_ptr(src, ZEP_JPEG_BUFFER_PTR), nullptr);
+  EXPECT_EQ(ZEP_image_get_ptr(src, ZEP_JPEG_POSITION_PTR), nullptr);
+  EXPECT_EQ(std::memcmp(ZEP_image_get_ptr(dst, ZEP_JPEG_INFO_BLOCK), info, sizeof info), 0);
+  EXPECT_EQ(errors.count(), 0u);
 }
 
 TEST(ImageRecord, FlagsTestAnyBitAndBulkSetReachesEveryImage) {
