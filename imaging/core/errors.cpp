@@ -2,13 +2,15 @@
 // handler, which composes the report text and shows it.
 #include "imaging/core/error_table.h"
 #include "imaging/core/handle_table.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/message_box.h"
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
 
 #include <atomic>
+#include <algorithm>
 #include <cstdio>
-#include <string>
+#include <cstring>
 
 namespace {
 
@@ -44,13 +46,25 @@ const char *class_text(uint32_t code) {
   return "(Error code not recognised)";
 }
 
-// Appends printf-style text, each append bounded as the report's composition always was.
-template <typename... Args>
-void append(std::string &text, const char *format, Args... args) {
-  char piece[kAppendLimit];
-  std::snprintf(piece, sizeof piece, format, args...);
-  text += piece;
-}
+// The report text in a fixed buffer: each append is formatted within 512 characters and the
+// whole is cut at 511.
+class ReportText {
+ public:
+  template <typename... Args>
+  void append(const char *format, Args... args) {
+    char piece[kAppendLimit];
+    std::snprintf(piece, sizeof piece, format, args...);
+    std::size_t length = std::min(std::strlen(piece), ZEP_ERR_TEXT_LIMIT - m_length);
+    std::memcpy(m_text + m_length, piece, length);
+    m_length += length;
+    m_text[m_length] = '\0';
+  }
+  const char *c_str() const { return m_text; }
+
+ private:
+  char m_text[ZEP_ERR_TEXT_LIMIT + 1] = {};
+  std::size_t m_length = 0;
+};
 
 ZEP_ERR_ENTRY &entry_for(uint32_t library) {
   return library < vrc::core::kErrorTableEntries ? vrc::core::error_table()[library]
@@ -97,9 +111,8 @@ uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t c
 }
 
 uint32_t ZEP_ErrHandlerInstall(ZEP_ERR_HANDLER handler) {
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   __atomic_store_n(&vrc::core::error_table()[ZEP_LIBRARY_NUMBER].handler, handler, __ATOMIC_RELEASE);
-  ZEP_CriticalSectionEnd();
   return 0;
 }
 
@@ -112,16 +125,14 @@ uint32_t ZEP_ErrHandlerDefault(uint32_t library, const char *function_name, uint
   }
   entry.last_zep_code = code;
 
-  std::string text;
-  append(text, "\n%s:  Failed with ZEP error code 0x%08x.\n", function_name ? function_name : "",
-         code);
-  append(text, "%s", class_text(code));
-  if (message != nullptr && message[0] != '\0') append(text, "\n\n\"%s\"\n", message);
+  ReportText text;
+  text.append("\n%s:  Failed with ZEP error code 0x%08x.\n", function_name ? function_name : "", code);
+  text.append("%s", class_text(code));
+  if (message != nullptr && message[0] != '\0') text.append("\n\n\"%s\"\n", message);
   if (entry.other_code != 0) {
-    append(text, "\nLast return code from 'other' library: 0x%08x.\n", entry.other_code);
+    text.append("\nLast return code from 'other' library: 0x%08x.\n", entry.other_code);
     entry.other_code = 0;
   }
-  if (text.size() > ZEP_ERR_TEXT_LIMIT) text.resize(ZEP_ERR_TEXT_LIMIT);
   return vrc::core::show_message_box(text.c_str(), ZEP_ERR_CAPTION);
 }
 

@@ -77,6 +77,16 @@ uint32_t check_special_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
   }
 }
 
+// The per-type tests, first failing test deciding; 0 when the record passes.
+uint32_t check_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
+  if (image.type == ZEP_NONE || image.type >= ZEP_TYPE_LIMIT) return fail(0x10050010, "Unrecognised image");
+  const DepthRule *rule = depth_rule(image.type);
+  if (rule == nullptr) return check_special_type(image, bytes_per_line);
+  if (image.depth != rule->depth) return fail(rule->code, rule->message);
+  if (image.type == ZEP_Y8) image.data_width = 8;
+  return 0;
+}
+
 }  // namespace
 
 namespace vrc::core {
@@ -106,16 +116,8 @@ uint32_t ZEP_image_check(uint32_t handle) {
   image->skip_bytes = vrc::core::skip_bytes_for(image->width, image->depth, image->line_align);
   uint64_t bytes_per_line =
       vrc::core::general_bytes_per_line(image->width, image->depth, image->line_align);
-  if (image->type == ZEP_NONE || image->type >= ZEP_TYPE_LIMIT)
-    return fail(0x10050010, "Unrecognised image");
-
-  uint32_t status = 0;
-  if (const DepthRule *rule = depth_rule(image->type)) {
-    if (image->depth != rule->depth) status = fail(rule->code, rule->message);
-    if (status == 0 && image->type == ZEP_Y8) image->data_width = 8;
-  } else {
-    status = check_special_type(*image, bytes_per_line);
-  }
+  // The general line length is stored even when the type is then refused.
+  uint32_t status = check_type(*image, bytes_per_line);
   image->bytes_per_line = static_cast<uint32_t>(bytes_per_line);
   if (status != 0) return status;
 

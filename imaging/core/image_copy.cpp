@@ -56,13 +56,19 @@ uint32_t copy_parameters(uint32_t src, uint32_t dst, const char *function_name, 
   return 0;
 }
 
-uint32_t copy_pixels(uint32_t dst, const ZEP_IMAGE &from) {
+// Gives dst a strip of its own and copies src's strip into it. `dst_owned_data` says that dst's
+// buffer was the library's before the locked flag came over with src's parameters: that buffer
+// was sized for dst's old geometry, so it is released rather than kept as a caller's buffer.
+uint32_t copy_pixels(uint32_t dst, const ZEP_IMAGE &from, bool dst_owned_data) {
   constexpr const char *kCopy = "ZEP_image_copy";
   if (from.data == nullptr) return vrc::core::report(kCopy, ZEP_ERR_BAD_PARAM, "Input image has no data");
+  ZEP_IMAGE *to = vrc::core::image_record(dst);
+  const uint32_t flags = to->flags;
+  if (dst_owned_data) to->flags &= ~ZEP_FLAG_LOCKED;
   ZEP_image_free_data(dst);
+  to->flags = flags;
   uint32_t status = ZEP_image_malloc_a_strip(dst);
   if (status != 0) return status;
-  ZEP_IMAGE *to = vrc::core::image_record(dst);
   std::memcpy(to->data, from.data, std::size_t{from.bytes_per_line} * from.lines_this_strip);
   return 0;
 }
@@ -93,6 +99,9 @@ uint32_t ZEP_image_copy(uint32_t src, uint32_t dst) {
   uint32_t status = ZEP_image_check(src);
   if (status != 0) return vrc::core::report(kCopy, status, "Corrupt image");
   const ZEP_IMAGE &from = *vrc::core::image_record(src);
+  const ZEP_IMAGE *to = vrc::core::image_record(dst);
+  if (to == &from) return 0;  // an image copied onto itself is already its copy
+  const bool dst_owned_data = to != nullptr && (to->flags & ZEP_FLAG_LOCKED) == 0;
   status = ZEP_image_copy_parameters(src, dst);
   if (status != 0 || from.lines_this_strip == 0) return status;
   status = ZEP_image_check(dst);
@@ -103,7 +112,7 @@ uint32_t ZEP_image_copy(uint32_t src, uint32_t dst) {
       return vrc::core::report(kCopy, ZEP_ERR_UNSUPPORTED, "JPEG codec not available");
     return decompress(src, dst);
   }
-  return copy_pixels(dst, from);
+  return copy_pixels(dst, from, dst_owned_data);
 }
 
 uint32_t ZEP_image_move(uint32_t src, uint32_t dst) {

@@ -3,6 +3,7 @@
 #include "imaging/core/init.h"
 #include "imaging/core/jpeg_record.h"
 #include "imaging/core/library_hooks.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
 
@@ -11,16 +12,23 @@
 
 namespace {
 
+using vrc::core::LibraryLock;
+
+constexpr const char *kCreate = "ZEP_image_create";
 constexpr std::size_t kCmapBytes = 256 * 4;
 constexpr uint8_t kFreshFill = 0xAA;  // every byte of a new colour map
 
-class LibraryLock {
- public:
-  LibraryLock() { ZEP_CriticalSectionBegin(); }
-  ~LibraryLock() { ZEP_CriticalSectionEnd(); }
-  LibraryLock(const LibraryLock &) = delete;
-  LibraryLock &operator=(const LibraryLock &) = delete;
-};
+// Under the lock, stores a new zeroed record in the lowest free slot. Returns the handle, or
+// unreported 0x10080000 when no slot is free and 0x10060001 when the record cannot be allocated.
+uint32_t occupy_lowest_free_slot(ZEP_IMAGE *&image) {
+  LibraryLock lock;
+  uint32_t handle = vrc::core::table_lowest_free();
+  if (handle == 0) return ZEP_ERR_NO_HANDLES;
+  image = static_cast<ZEP_IMAGE *>(std::calloc(1, sizeof(ZEP_IMAGE)));
+  if (image == nullptr) return ZEP_ERR_MEMORY | 1;
+  vrc::core::table_store(handle, image);
+  return handle;
+}
 
 void set_defaults(ZEP_IMAGE &image) {
   image.height = 32767;
@@ -37,24 +45,29 @@ void release_data(ZEP_IMAGE &image) {
   if (image.jpeg != nullptr) vrc::core::jpeg_record_free_data(image.jpeg);
 }
 
-void destroy_one(uint32_t handle, ZEP_IMAGE *image) {
-  image->flags &= ~ZEP_FLAG_LOCKED;
+// Under the lock, releases the data (even a caller's locked buffer: destroy always does) and
+// empties the slot, so that neither a bulk operation nor a second destroy on another thread can
+// reach the record afterwards; the rest of the record is freed outside the lock.
+void destroy_one(uint32_t handle) {
+  ZEP_IMAGE *image = nullptr;
   {
     LibraryLock lock;
+    image = vrc::core::image_record(handle);
+    if (image == nullptr) return;
+    image->flags &= ~ZEP_FLAG_LOCKED;
     release_data(*image);
+    vrc::core::table_store(handle, nullptr);
   }
   std::free(image->cmap);
   std::free(image->cmap_info);
   vrc::core::jpeg_record_destroy(image->jpeg);
   std::free(image);
-  LibraryLock lock;
-  vrc::core::table_store(handle, nullptr);
 }
 
 uint32_t destroy_all() {
   {
     LibraryLock lock;
-    vrc::core::table_for_each(destroy_one);
+    vrc::core::table_for_each([](uint32_t handle, ZEP_IMAGE *) { destroy_one(handle); });
   }
   vrc::core::run_teardown_hooks();
   LibraryLock lock;
@@ -74,24 +87,15 @@ uint32_t destroy_if_none_left() {
 extern "C" {
 
 uint32_t ZEP_image_create(void) {
-  return vrc::core::api_guard("ZEP_image_create", []() -> uint32_t {
+  return vrc::core::api_guard(kCreate, []() -> uint32_t {
     vrc::core::ensure_initialised();
-    ZEP_CriticalSectionBegin();
-    uint32_t handle = vrc::core::table_lowest_free();
-    if (handle == 0) {
-      ZEP_CriticalSectionEnd();
-      return vrc::core::report("ZEP_image_create", ZEP_ERR_NO_HANDLES, "Run out of image handles");
-    }
-    auto *image = static_cast<ZEP_IMAGE *>(std::calloc(1, sizeof(ZEP_IMAGE)));
-    if (image == nullptr) {
-      ZEP_CriticalSectionEnd();
-      return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY | 1);
-    }
-    vrc::core::table_store(handle, image);
-    ZEP_CriticalSectionEnd();
+    ZEP_IMAGE *image = nullptr;
+    uint32_t handle = occupy_lowest_free_slot(image);
+    if (handle == ZEP_ERR_NO_HANDLES) return vrc::core::report(kCreate, handle, "Run out of image handles");
+    if (ZEP_IS_ERROR(handle)) return vrc::core::report(kCreate, handle);
     set_defaults(*image);
     image->cmap = static_cast<uint8_t *>(std::malloc(kCmapBytes));
-    if (image->cmap == nullptr) return vrc::core::report("ZEP_image_create", ZEP_ERR_MEMORY);
+    if (image->cmap == nullptr) return vrc::core::report(kCreate, ZEP_ERR_MEMORY);
     std::memset(image->cmap, kFreshFill, kCmapBytes);
     return handle;
   });
@@ -100,13 +104,13 @@ uint32_t ZEP_image_create(void) {
 uint32_t ZEP_image_destroy(uint32_t handle) {
   if (handle == ZEP_ALL_IMAGES) return destroy_all();
   if (handle == ZEP_ANY_IMAGES_LEFT) return destroy_if_none_left();
-  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) destroy_one(handle, image);
+  destroy_one(handle);
   return 0;
 }
 
 uint32_t ZEP_ImageUnlockAndDestroy(uint32_t handle) {
-  if (ZEP_IMAGE *image = vrc::core::image_record(handle)) image->flags &= ~ZEP_FLAG_LOCKED;
-  return ZEP_image_destroy(handle);
+  ZEP_image_destroy(handle);  // which clears the locked flag of every image it releases
+  return 0;
 }
 
 uint32_t ZEP_image_malloc_a_strip(uint32_t handle) {

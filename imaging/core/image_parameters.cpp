@@ -2,6 +2,7 @@
 #include "imaging/core/handle_table.h"
 #include "imaging/core/init.h"
 #include "imaging/core/jpeg_record.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
 #include "imaging/core/text_field.h"
 #include "vrcw32/zep_core.h"
@@ -167,11 +168,11 @@ uint32_t ZEP_image_set_ptr(uint32_t handle, uint16_t id, void *value) {
   switch (id) {
     case ZEP_DATA_PTR: image->data = bytes; return 0;
     case ZEP_CMAP_PTR: image->cmap = bytes; return 0;
-    case ZEP_IMAGE_RECORD_PTR:
-      ZEP_CriticalSectionBegin();
+    case ZEP_IMAGE_RECORD_PTR: {
+      vrc::core::LibraryLock lock;
       vrc::core::table_store(handle, static_cast<ZEP_IMAGE *>(value));
-      ZEP_CriticalSectionEnd();
       return 0;
+    }
     case ZEP_JPEG_RECORD_PTR: image->jpeg = static_cast<ZEP_JPEG_RECORD *>(value); return 0;
     case ZEP_JPEG_BUFFER_PTR:
     case ZEP_JPEG_POSITION_PTR:
@@ -203,9 +204,8 @@ uint32_t ZEP_image_set_flags(uint32_t handle, uint32_t mask, uint32_t on) {
     image.flags = on == 1 ? (image.flags | mask) : (image.flags & ~mask);
   };
   if (handle == ZEP_ALL_IMAGES) {
-    ZEP_CriticalSectionBegin();
+    vrc::core::LibraryLock lock;
     vrc::core::table_for_each([&](uint32_t, ZEP_IMAGE *image) { apply(*image); });
-    ZEP_CriticalSectionEnd();
     return 0;
   }
   ZEP_IMAGE *image = vrc::core::record_or_report(handle, "ZEP_image_set_flags");

@@ -2,6 +2,7 @@
 #include "imaging/core/error_table.h"
 #include "imaging/core/init.h"
 #include "imaging/core/library_hooks.h"
+#include "imaging/core/library_lock.h"
 #include "vrcw32/zep_core.h"
 
 #include <atomic>
@@ -28,14 +29,15 @@ extern "C" {
 
 uint32_t ZEP_Init(void) {
   ZEP_CriticalSectionInit();
-  ZEP_CriticalSectionBegin();
-  ZEP_ERR_ENTRY &entry = vrc::core::error_table()[ZEP_LIBRARY_NUMBER];
-  entry.last_zep_code = 0;
-  entry.other_code = 0;
-  __atomic_store_n(&entry.handler, &ZEP_ErrHandlerDefault, __ATOMIC_RELEASE);
-  __atomic_store_n(&entry.library_id, ZEP_LIBRARY_ID_VALUE, __ATOMIC_RELEASE);
-  g_initialised.store(true, std::memory_order_release);
-  ZEP_CriticalSectionEnd();
+  {
+    vrc::core::LibraryLock lock;
+    ZEP_ERR_ENTRY &entry = vrc::core::error_table()[ZEP_LIBRARY_NUMBER];
+    entry.last_zep_code = 0;
+    entry.other_code = 0;
+    __atomic_store_n(&entry.handler, &ZEP_ErrHandlerDefault, __ATOMIC_RELEASE);
+    __atomic_store_n(&entry.library_id, ZEP_LIBRARY_ID_VALUE, __ATOMIC_RELEASE);
+    g_initialised.store(true, std::memory_order_release);
+  }
   vrc::core::run_startup_hooks();
   return 0;
 }

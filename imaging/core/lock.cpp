@@ -1,22 +1,23 @@
 // The single recursive library lock and the counting allocation wrappers.
 //
-// Taking or releasing the lock runs under a guard: should the platform call fail, a message box
-// reports it (caption with the code and function name, body with the name) and the failure is
-// taken as handled, as the library has always done.
+// Taking or releasing the lock is checked: should the platform call fail (releasing a lock the
+// thread does not hold, for one), a message box reports it, the caption carrying the error code
+// and the function's name and the body only the name, as the library has always shown it; the
+// failure is then taken as handled.
+#include "imaging/core/library_lock.h"
 #include "imaging/core/message_box.h"
 #include "vrcw32/zep_core.h"
 
+#include <pthread.h>
+
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
-#include <system_error>
 
 namespace {
 
-std::recursive_mutex &library_lock() {
-  static std::recursive_mutex lock;
-  return lock;
-}
+// Statically initialised, so that it exists before any constructor and outlives every destructor
+// that may still take it at exit.
+pthread_mutex_t g_library_lock = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
 
 struct AllocationCounters {
   uint32_t allocations = 0;
@@ -27,14 +28,11 @@ struct AllocationCounters {
 
 AllocationCounters g_counters;
 
-template <typename Call>
-uint32_t guarded(const char *function_name, Call call) {
-  try {
-    call();
-  } catch (const std::system_error &failure) {
+uint32_t checked(const char *function_name, int error) {
+  if (error != 0) {
     char caption[160];
     std::snprintf(caption, sizeof caption, "Failed with ExceptionCode 0x%08x in %s. Aborting!",
-                  static_cast<unsigned>(failure.code().value()), function_name);
+                  static_cast<unsigned>(error), function_name);
     vrc::core::show_message_box(function_name, caption);
   }
   return 0;
@@ -44,43 +42,37 @@ uint32_t guarded(const char *function_name, Call call) {
 
 extern "C" {
 
-uint32_t ZEP_CriticalSectionInit(void) {
-  library_lock();
-  return 0;
-}
+// The lock is created with the library image; nothing is left to do at start-up.
+uint32_t ZEP_CriticalSectionInit(void) { return 0; }
 
 uint32_t ZEP_CriticalSectionBegin(void) {
-  return guarded("ZEP_CriticalSectionBegin", [] { library_lock().lock(); });
+  return checked("ZEP_CriticalSectionBegin", pthread_mutex_lock(&g_library_lock));
 }
 
 uint32_t ZEP_CriticalSectionEnd(void) {
-  return guarded("ZEP_CriticalSectionEnd", [] { library_lock().unlock(); });
+  return checked("ZEP_CriticalSectionEnd", pthread_mutex_unlock(&g_library_lock));
 }
 
 void *ZEP_DebugMalloc(size_t size) {
   void *block = std::malloc(size);
   if (block != nullptr) {
-    ZEP_CriticalSectionBegin();
+    vrc::core::LibraryLock lock;
     ++g_counters.allocations;
     g_counters.bytes += static_cast<uint32_t>(size);
-    ZEP_CriticalSectionEnd();
   }
   return block;
 }
 
 void ZEP_DebugFree(void *pointer) {
   std::free(pointer);
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   ++g_counters.frees;
-  ZEP_CriticalSectionEnd();
 }
 
 uint32_t ZEP_DebugMallocPrint(void) {
-  ZEP_CriticalSectionBegin();
+  vrc::core::LibraryLock lock;
   g_counters.last_reported = g_counters.bytes;
-  uint32_t total = g_counters.bytes;
-  ZEP_CriticalSectionEnd();
-  return total;
+  return g_counters.bytes;
 }
 
 }  // extern "C"

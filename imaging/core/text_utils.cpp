@@ -1,4 +1,5 @@
 // A whitespace-token number reader and the command-line splitter.
+#include "imaging/core/report.h"
 #include "imaging/core/text_field.h"
 #include "vrcw32/zep_core.h"
 
@@ -10,13 +11,15 @@ namespace {
 
 bool is_space(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
 
-
 }  // namespace
 
 extern "C" {
 
 char *ZEP_sscanf(char *text, uint16_t *value) {
-  if (text == nullptr || value == nullptr) return nullptr;
+  if (text == nullptr || value == nullptr) {
+    vrc::core::report("ZEP_sscanf", ZEP_ERR_BAD_PARAM, text == nullptr ? "Text is NULL" : "Value is NULL");
+    return nullptr;
+  }
   *value = static_cast<uint16_t>(std::strtol(text, nullptr, 10));
   char *position = text;
   while (is_space(*position)) ++position;
@@ -26,7 +29,9 @@ char *ZEP_sscanf(char *text, uint16_t *value) {
 }
 
 uint32_t ZEP_Util_ParseCommand(void *record, int argc, char **argv) {
-  if (record == nullptr || (argc > 0 && argv == nullptr)) return ZEP_ERR_BAD_PARAM;
+  constexpr const char *kParse = "ZEP_Util_ParseCommand";
+  if (record == nullptr) return vrc::core::report(kParse, ZEP_ERR_BAD_PARAM, "Record is NULL");
+  if (argc > 0 && argv == nullptr) return vrc::core::report(kParse, ZEP_ERR_BAD_PARAM, "Argument list is NULL");
   auto &line = *static_cast<ZEP_CMD_LINE *>(record);
   if (argc > 0) vrc::core::copy_text_field(line.program, argv[0] ? argv[0] : "");
   // The program name, the third option slot and the third argument slot start out empty; the

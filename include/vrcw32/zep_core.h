@@ -291,9 +291,11 @@ void ZEP_DebugFree(void *pointer);
 uint32_t ZEP_DebugMallocPrint(void);
 
 /* Reads the leading decimal number of `text` into `value`; returns the position of the first
- * white-space character after the token. A null text or value returns null. */
+ * white-space character after the token (or of the text's end). A null text or value is reported
+ * as a bad parameter and returns null. */
 char *ZEP_sscanf(char *text, uint16_t *value);
-/* Splits argv into the ZEP_CMD_LINE record `record`. */
+/* Splits argv into the ZEP_CMD_LINE record `record`; returns 0, or 0x10030000 (reported) for a
+ * null record or argument list. */
 uint32_t ZEP_Util_ParseCommand(void *record, int argc, char **argv);
 
 #ifdef __cplusplus

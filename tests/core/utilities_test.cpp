@@ -1,6 +1,6 @@
 // Byte-order helpers, the library lock, allocation counters, the token reader and the
 // command-line splitter.
-#include "vrcw32/zep.h"
+#include "support/error_capture.h"
 
 #include <gtest/gtest.h>
 
@@ -85,6 +85,17 @@ TEST(Lock, IsRecursiveAndExcludesOtherThreads) {
   EXPECT_EQ(counter, 11);
 }
 
+TEST(Lock, AFailedReleaseIsShownWithTheCodeInTheCaptionAndTheNameAsTheBody) {
+  vrc::test::MessageBoxCapture box;
+  EXPECT_EQ(ZEP_CriticalSectionEnd(), 0u);  // not held by this thread: the platform refuses
+  EXPECT_EQ(box.count(), 1);
+  EXPECT_EQ(box.caption(), "Failed with ExceptionCode 0x00000001 in ZEP_CriticalSectionEnd. Aborting!");
+  EXPECT_EQ(box.text(), "ZEP_CriticalSectionEnd");
+  EXPECT_EQ(ZEP_CriticalSectionBegin(), 0u);  // the lock still works afterwards
+  EXPECT_EQ(ZEP_CriticalSectionEnd(), 0u);
+  EXPECT_EQ(box.count(), 1);
+}
+
 TEST(Allocation, CountersAddOnlySuccessfulAllocations) {
   uint32_t before = ZEP_DebugMallocPrint();
   void *block = ZEP_DebugMalloc(100);
@@ -106,7 +117,12 @@ TEST(Sscanf, ReadsTheLeadingNumberAndStopsAtTheNextBlank) {
   char unterminated[] = "123";
   EXPECT_EQ(ZEP_sscanf(unterminated, &value), unterminated + 3);  // stops at the text's end
   EXPECT_EQ(value, 123);
+  vrc::test::ErrorCapture errors;
   EXPECT_EQ(ZEP_sscanf(nullptr, &value), nullptr);
+  ASSERT_EQ(errors.count(), 1u);
+  EXPECT_EQ(errors.last().function, "ZEP_sscanf");
+  EXPECT_EQ(errors.last().code, ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Text is NULL");
 }
 
 TEST(ParseCommand, SplitsOptionsAndArgumentsAndEmptiesTheProgramName) {
@@ -141,4 +157,11 @@ TEST(ParseCommand, SurplusWordsAreIgnoredAndLongWordsCut) {
   const char *long_word[] = {"p", words.back().c_str()};
   ZEP_Util_ParseCommand(&line, 2, const_cast<char **>(long_word));
   EXPECT_EQ(std::string(line.argument[0]), std::string(127, 'L'));
+
+  vrc::test::ErrorCapture errors;
+  EXPECT_EQ(ZEP_Util_ParseCommand(nullptr, 2, argv.data()), ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Record is NULL");
+  EXPECT_EQ(ZEP_Util_ParseCommand(&line, 2, nullptr), ZEP_ERR_BAD_PARAM);
+  EXPECT_EQ(errors.last().message, "Argument list is NULL");
+  EXPECT_EQ(errors.last().function, "ZEP_Util_ParseCommand");
 }

@@ -1,4 +1,5 @@
-// Test support: an error handler that records every report, installed for a test's lifetime.
+// Test support: an error handler and a message box that record what the library reports, each
+// installed for a test's lifetime, and an image handle destroyed with its scope.
 #pragma once
 
 #include "vrcw32/zep.h"
@@ -38,6 +39,41 @@ class ErrorCapture {
   }
   static uint32_t record(uint32_t, const char *function, uint32_t code, const char *message) {
     reports().push_back({function ? function : "", code, message ? message : ""});
+    return 1;
+  }
+};
+
+// Records what the library shows in a message box (the default handler's report, a lock
+// failure), for a test's lifetime.
+class MessageBoxCapture {
+ public:
+  struct Shown {
+    std::string text;
+    std::string caption;
+    int count = 0;
+  };
+
+  MessageBoxCapture() {
+    shown() = {};
+    ZEP_SetMessageBox(&record);
+  }
+  ~MessageBoxCapture() { ZEP_SetMessageBox(nullptr); }
+  MessageBoxCapture(const MessageBoxCapture &) = delete;
+  MessageBoxCapture &operator=(const MessageBoxCapture &) = delete;
+
+  const std::string &text() const { return shown().text; }
+  const std::string &caption() const { return shown().caption; }
+  int count() const { return shown().count; }
+
+ private:
+  static Shown &shown() {
+    static Shown last;
+    return last;
+  }
+  static uint32_t record(const char *text, const char *caption) {
+    shown().text = text;
+    shown().caption = caption;
+    ++shown().count;
     return 1;
   }
 };
