@@ -162,6 +162,8 @@ TEST(DisplayLibrary, PaintsBuffersIntoItsSink) {
   uint32_t display = 0;
   ASSERT_EQ(VDL_DisplayCreate(&display, &Painted::sink, &painted), VRX_OK);
   ASSERT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_FORMAT, capture_format(16)), VRX_OK);
+  for (const vrx::Choice& method : vrx::rows_of(vrx::kInterpolationChoices))
+    EXPECT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_INTERPOLATION, method.value), VRX_OK);
   EXPECT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_INTERPOLATION, 3), VRX_ERR_BAD_VALUE);
   uint32_t buffer = 0;
   ASSERT_EQ(VDL_BufferCreate(display, &buffer, VBL_BUFFER_TYPE_VIRTUAL), VRX_OK);
