@@ -5,6 +5,7 @@
 #include <QEventLoop>
 #include <QMetaObject>
 #include <QObject>
+#include <QThread>
 #include <QTimer>
 #include <algorithm>
 #include <chrono>
@@ -54,8 +55,10 @@ void MessageQueue::wake() {
       m_pump.get(),
       [this] {
         m_wake_pending = false;
-        if (m_pumping)
-          m_wake_deferred = true;  // the peeking loop takes the messages itself
+        // The peeking loop takes the messages itself; a modal loop opened meanwhile (a message
+        // box, run) dispatches them as usual.
+        if (m_pumping && QThread::currentThread()->loopLevel() == m_pump_level)
+          m_wake_deferred = true;
         else
           dispatch_pending();
       },
@@ -65,8 +68,10 @@ void MessageQueue::wake() {
 void MessageQueue::pump_window_system() {
   if (!QCoreApplication::instance()) return;
   const bool outer = std::exchange(m_pumping, true);
+  const int outer_level = std::exchange(m_pump_level, QThread::currentThread()->loopLevel());
   QCoreApplication::processEvents();
   m_pumping = outer;
+  m_pump_level = outer_level;
 }
 
 LRESULT MessageQueue::send(Window* target, uint32_t message, WPARAM wparam, LPARAM lparam) {
@@ -132,10 +137,14 @@ bool MessageQueue::run_for(uint32_t milliseconds) {
   QEventLoop loop;
   QTimer::singleShot(std::chrono::milliseconds(milliseconds), &loop, &QEventLoop::quit);
   QEventLoop* outer = std::exchange(m_loop, &loop);
-  const bool running = dispatch_pending();
-  if (running) loop.exec();
+  if (dispatch_pending()) loop.exec();
   m_loop = outer;
-  return running && dispatch_pending();
+  return !quit_waiting();
+}
+
+bool MessageQueue::quit_waiting() const {
+  std::lock_guard lock(m_mutex);
+  return m_quit || (!m_messages.empty() && m_messages.front().message == WM_QUIT);
 }
 
 LRESULT MessageQueue::dispatch(const Message& message) {

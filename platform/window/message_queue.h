@@ -61,6 +61,7 @@ class MessageQueue {
 
  private:
   void wake();
+  bool quit_waiting() const;
   // Lets Qt deliver its pending events without dispatching this queue's messages.
   void pump_window_system();
 
@@ -68,7 +69,8 @@ class MessageQueue {
   mutable std::mutex m_mutex;
   std::deque<Message> m_messages;
   std::optional<int> m_quit;  // exit code of a posted quit not yet taken
-  bool m_pumping = false;     // owner thread only: inside pump_window_system
+  bool m_pumping = false;     // owner thread only: inside pump_window_system,
+  int m_pump_level = 0;       // at this Qt event-loop level
   bool m_wake_deferred = false;
   std::atomic<bool> m_wake_pending{false};
   std::unique_ptr<QObject> m_pump;  // lives on the owner thread; receives the wake-ups

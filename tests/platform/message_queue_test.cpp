@@ -162,14 +162,32 @@ TEST_F(Queue, LoopOfItsOwnSeesQuitOnlyWhenTheQueueIsEmpty) {
   EXPECT_TRUE(queue().dispatch_pending());
 }
 
+// On a send, runs a modal loop for a moment, as a message box does, while another thread posts
+// to its partner.
+class ModalWindow : public RecordingWindow {
+ public:
+  RecordingWindow partner;
+  std::size_t partner_saw_in_modal_loop = 0;
+  LRESULT handle_message(uint32_t message, WPARAM wparam, LPARAM lparam) override {
+    std::thread poster([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      partner.post(WM_USER + 9);
+    });
+    queue().run_for(100);
+    poster.join();
+    partner_saw_in_modal_loop = partner.received.size();
+    return RecordingWindow::handle_message(message, wparam, lparam);
+  }
+};
+
 TEST_F(Queue, ThreadWidePeekDeliversSendsFromOtherThreads) {
-  RecordingWindow window;
+  ModalWindow window;
   std::atomic<bool> done{false};
   std::thread sender([&] {
     window.send(WM_USER + 7, 1);
     done = true;
   });
-  // A loop of its own, peeking and sleeping, as a modal or playback loop does.
+  // A loop of its own, peeking and sleeping, as a playback loop does.
   for (int i = 0; i < 5000 && !done; ++i) {
     if (std::optional<Message> m = queue().peek(nullptr, 0, 0, true)) MessageQueue::dispatch(*m);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -178,6 +196,7 @@ TEST_F(Queue, ThreadWidePeekDeliversSendsFromOtherThreads) {
   EXPECT_TRUE(done);
   ASSERT_EQ(window.received.size(), 1u);
   EXPECT_EQ(window.received[0].thread, std::this_thread::get_id());
+  EXPECT_EQ(window.partner_saw_in_modal_loop, 1u);
 }
 
 TEST_F(Queue, RunForDispatchesForAWhileAndStopsAtAQuit) {
