@@ -139,7 +139,10 @@ bool MessageQueue::run_for(uint32_t milliseconds) {
   QEventLoop* outer = std::exchange(m_loop, &loop);
   if (dispatch_pending()) loop.exec();
   m_loop = outer;
-  return !quit_waiting();
+  // The quit stays waiting; a wake-up lets an enclosing loop see it too.
+  if (!quit_waiting()) return true;
+  wake();
+  return false;
 }
 
 bool MessageQueue::quit_waiting() const {

@@ -210,6 +210,30 @@ TEST_F(Queue, RunForDispatchesForAWhileAndStopsAtAQuit) {
   EXPECT_TRUE(queue().peek(nullptr, WM_QUIT, WM_QUIT, true));
 }
 
+// A window whose message runs a loop of its own for a while.
+class NestedLoopWindow : public RecordingWindow {
+ public:
+  bool inner_saw_quit = false;
+  LRESULT handle_message(uint32_t message, WPARAM wparam, LPARAM lparam) override {
+    inner_saw_quit = !queue().run_for(5000);
+    return RecordingWindow::handle_message(message, wparam, lparam);
+  }
+};
+
+TEST_F(Queue, QuitSeenByANestedLoopAlsoEndsTheOuterRun) {
+  NestedLoopWindow window;
+  // The nested loop starts from a send, as from a click, not from a posted message.
+  std::thread sender([&] { window.send(WM_USER + 5); });
+  std::thread quitter([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    window.queue().post_quit(4);
+  });
+  EXPECT_EQ(queue().run(), 4);
+  sender.join();
+  quitter.join();
+  EXPECT_TRUE(window.inner_saw_quit);
+}
+
 TEST_F(Queue, QuitPostedFromAnotherThreadEndsRun) {
   RecordingWindow window;
   std::thread poster([&] {
