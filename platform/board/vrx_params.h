@@ -178,6 +178,10 @@ inline constexpr Choice kCaptureFormatChoices[] = {
     {capture_format(28), "36 bit BGR"},      {capture_format(8), "48 bit RGB"},
     {capture_format(13), "48 bit BGR"},      kChoiceEnd};
 
+// Display interpolation combo (VDL_PARAM_INTERPOLATION); the texts are padded to one width.
+inline constexpr Choice kInterpolationChoices[] = {
+    {0, "Pixel duplication"}, {1, "Simple averaging "}, {2, "Median filter    "}, kChoiceEnd};
+
 // ---- Camera page --------------------------------------------------------------------------
 
 inline constexpr uint32_t ParamCameraType = 0xC0021900;
@@ -386,6 +390,9 @@ inline constexpr Choice kCommsParityChoices[] = {
     {0xC0022001, "None"}, {0xC0022002, "Even"}, {0xC0022003, "Odd"}, kChoiceEnd};
 inline constexpr Choice kCommsStopBitsChoices[] = {
     {0xC0022301, "1"}, {0xC0022302, "1.5"}, {0xC0022303, "2"}, kChoiceEnd};
+// Line ending the Comms page appends when it sends: a page setting, not a board parameter.
+inline constexpr Choice kCommsLineEndingChoices[] = {
+    {0, "CRLF"}, {1, "CR"}, {2, "LF"}, {3, "None"}, kChoiceEnd};
 
 // ---- CoaXPress page -----------------------------------------------------------------------
 

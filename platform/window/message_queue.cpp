@@ -1,9 +1,14 @@
 // Message queue: a mutex-guarded deque plus one queued Qt call to wake the owner thread.
 #include "platform/window/message_queue.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QMetaObject>
 #include <QObject>
+#include <QThread>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "platform/window/window.h"
@@ -36,7 +41,13 @@ void MessageQueue::post(Window* target, uint32_t message, WPARAM wparam, LPARAM 
   wake();
 }
 
-void MessageQueue::post_quit(int exit_code) { post(nullptr, WM_QUIT, static_cast<WPARAM>(exit_code)); }
+void MessageQueue::post_quit(int exit_code) {
+  {
+    std::lock_guard lock(m_mutex);
+    m_quit = exit_code;
+  }
+  wake();
+}
 
 void MessageQueue::wake() {
   if (m_wake_pending.exchange(true)) return;  // one wake-up covers every message queued before it
@@ -44,9 +55,23 @@ void MessageQueue::wake() {
       m_pump.get(),
       [this] {
         m_wake_pending = false;
-        dispatch_pending();
+        // The peeking loop takes the messages itself; a modal loop opened meanwhile (a message
+        // box, run) dispatches them as usual.
+        if (m_pumping && QThread::currentThread()->loopLevel() == m_pump_level)
+          m_wake_deferred = true;
+        else
+          dispatch_pending();
       },
       Qt::QueuedConnection);
+}
+
+void MessageQueue::pump_window_system() {
+  if (!QCoreApplication::instance()) return;
+  const bool outer = std::exchange(m_pumping, true);
+  const int outer_level = std::exchange(m_pump_level, QThread::currentThread()->loopLevel());
+  QCoreApplication::processEvents();
+  m_pumping = outer;
+  m_pump_level = outer_level;
 }
 
 LRESULT MessageQueue::send(Window* target, uint32_t message, WPARAM wparam, LPARAM lparam) {
@@ -58,14 +83,26 @@ LRESULT MessageQueue::send(Window* target, uint32_t message, WPARAM wparam, LPAR
 }
 
 std::optional<Message> MessageQueue::peek(Window* target, uint32_t first, uint32_t last, bool remove) {
-  std::lock_guard lock(m_mutex);
-  for (auto it = m_messages.begin(); it != m_messages.end(); ++it) {
-    if (!matches(*it, target, first, last)) continue;
-    Message found = *it;
-    if (remove) m_messages.erase(it);
-    return found;
+  const bool thread_wide = target == nullptr && on_owner_thread();
+  if (thread_wide) pump_window_system();
+  std::optional<Message> found;
+  bool left_waiting = false;
+  {
+    std::lock_guard lock(m_mutex);
+    auto it = std::find_if(m_messages.begin(), m_messages.end(),
+                           [&](const Message& m) { return matches(m, target, first, last); });
+    if (it != m_messages.end()) {
+      found = *it;
+      if (remove) m_messages.erase(it);
+    } else if (target == nullptr && m_quit) {
+      found = Message{nullptr, WM_QUIT, static_cast<WPARAM>(*m_quit), 0};
+      if (remove) m_quit.reset();
+    }
+    left_waiting = !m_messages.empty();
   }
-  return std::nullopt;
+  // A wake-up swallowed by the pump is renewed for what the caller did not take.
+  if (thread_wide && std::exchange(m_wake_deferred, false) && left_waiting) wake();
+  return found;
 }
 
 bool MessageQueue::dispatch_pending() {
@@ -73,10 +110,10 @@ bool MessageQueue::dispatch_pending() {
     Message next;
     {
       std::lock_guard lock(m_mutex);
-      if (m_messages.empty()) return true;
-      if (m_messages.front().message == WM_QUIT) {
-        if (m_loop) m_loop->quit();
-        return false;
+      if (m_messages.empty() || m_messages.front().message == WM_QUIT) {
+        const bool quit = m_quit || !m_messages.empty();
+        if (quit && m_loop) m_loop->quit();
+        return !quit;
       }
       next = m_messages.front();
       m_messages.pop_front();
@@ -91,9 +128,26 @@ int MessageQueue::run() {
   if (dispatch_pending()) loop.exec();
   m_loop = outer;
   std::optional<Message> quit = peek(nullptr, WM_QUIT, WM_QUIT, true);
-  // Messages queued behind the quit wait for the next loop.
+  // Messages that came in meanwhile wait for the next loop.
   if (size() > 0) wake();
   return quit ? static_cast<int>(quit->wparam) : 0;
+}
+
+bool MessageQueue::run_for(uint32_t milliseconds) {
+  QEventLoop loop;
+  QTimer::singleShot(std::chrono::milliseconds(milliseconds), &loop, &QEventLoop::quit);
+  QEventLoop* outer = std::exchange(m_loop, &loop);
+  if (dispatch_pending()) loop.exec();
+  m_loop = outer;
+  // The quit stays waiting; a wake-up lets an enclosing loop see it too.
+  if (!quit_waiting()) return true;
+  wake();
+  return false;
+}
+
+bool MessageQueue::quit_waiting() const {
+  std::lock_guard lock(m_mutex);
+  return m_quit || (!m_messages.empty() && m_messages.front().message == WM_QUIT);
 }
 
 LRESULT MessageQueue::dispatch(const Message& message) {

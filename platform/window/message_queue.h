@@ -4,7 +4,14 @@
 // at once on the owner thread (from another thread it waits until the owner has dispatched it);
 // `peek` looks for a waiting message of one window (or of any) in a range of message numbers,
 // optionally taking it out. A post never merges messages: callers that want to coalesce peek
-// first, without removing. WM_QUIT stops dispatching and stays queued until `run` takes it.
+// first, without removing.
+//
+// As with Win32, a quit is a flag rather than a queued message: `post_quit` sets it, and WM_QUIT
+// comes out of a thread-wide peek (any range) only once no posted message is left, after every
+// message posted before or after the quit. A loop of its own that peeks the whole thread on the
+// owner thread (a modal loop, a playback loop) keeps the windows alive: such a peek first lets
+// the window system deliver input, painting and sends from other threads, the part of PeekMessage
+// that a Qt program does in its event loop.
 #pragma once
 
 #include <atomic>
@@ -38,10 +45,13 @@ class MessageQueue {
   // `target` null matches every message; `first` = `last` = 0 matches every number.
   std::optional<Message> peek(Window* target, uint32_t first, uint32_t last, bool remove);
 
-  // Dispatches what is queued, in order, up to a WM_QUIT; false when a WM_QUIT is waiting.
+  // Dispatches what is queued, in order; false when a WM_QUIT is waiting (it stays waiting).
   bool dispatch_pending();
   // Runs the Qt event loop, dispatching, until a WM_QUIT arrives; takes it and returns its code.
   int run();
+  // Runs the Qt event loop, dispatching, for `milliseconds` or until a WM_QUIT arrives, which
+  // stays waiting; false in that case.
+  bool run_for(uint32_t milliseconds);
   static LRESULT dispatch(const Message& message);
 
   // Drops every message queued for `target` (the window is going away).
@@ -51,10 +61,17 @@ class MessageQueue {
 
  private:
   void wake();
+  bool quit_waiting() const;
+  // Lets Qt deliver its pending events without dispatching this queue's messages.
+  void pump_window_system();
 
   const std::thread::id m_owner;
   mutable std::mutex m_mutex;
   std::deque<Message> m_messages;
+  std::optional<int> m_quit;  // exit code of a posted quit not yet taken
+  bool m_pumping = false;     // owner thread only: inside pump_window_system,
+  int m_pump_level = 0;       // at this Qt event-loop level
+  bool m_wake_deferred = false;
   std::atomic<bool> m_wake_pending{false};
   std::unique_ptr<QObject> m_pump;  // lives on the owner thread; receives the wake-ups
   QEventLoop* m_loop = nullptr;     // the loop `run` is in, if any

@@ -88,12 +88,13 @@ void PropertySheet::insert_tab(PropertyPage* page) {
 void PropertySheet::remove_page(PropertyPage* page) {
   const int index = page_index(page);
   if (index < 0) return;
-  Tab& tab = m_pages[static_cast<std::size_t>(index)];
+  // Out of the list before the tab goes: removing the current tab makes Qt activate another
+  // at once, and that page's window must be the one created.
+  Tab tab = std::move(m_pages[static_cast<std::size_t>(index)]);
+  m_pages.erase(m_pages.begin() + index);
   if (m_tabs) m_tabs->removeTab(index);
   tab.page->destroy();
   tab.page->m_sheet = nullptr;
-  tab.holder.reset();
-  m_pages.erase(m_pages.begin() + index);
 }
 
 bool PropertySheet::set_active_page(int index) {

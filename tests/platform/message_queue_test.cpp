@@ -130,15 +130,108 @@ TEST_F(Queue, SendFromAnotherThreadRunsOnTheOwnerAndWaits) {
   EXPECT_EQ(window.received[0].thread, std::this_thread::get_id());
 }
 
-TEST_F(Queue, QuitEndsRunWithItsCodeAndLeavesLaterMessages) {
+TEST_F(Queue, QuitComesOutAfterEveryPostedMessage) {
   RecordingWindow window;
   window.post(WM_USER + 1);
   queue().post_quit(7);
   window.post(WM_USER + 2);
+  EXPECT_FALSE(window.has_queued(WM_QUIT, WM_QUIT));  // a window's own peek never sees it
+  std::optional<Message> first = queue().peek(nullptr, 0, 0, false);
+  ASSERT_TRUE(first);
+  EXPECT_EQ(first->message, WM_USER + 1);
+  // A range that holds no posted message still yields the quit.
+  std::optional<Message> quit = queue().peek(nullptr, WM_USER + 100, WM_USER + 200, false);
+  ASSERT_TRUE(quit);
+  EXPECT_EQ(quit->message, WM_QUIT);
+  EXPECT_EQ(quit->target, nullptr);
   EXPECT_EQ(queue().run(), 7);
-  ASSERT_EQ(window.received.size(), 1u);
+  ASSERT_EQ(window.received.size(), 2u);
+  EXPECT_FALSE(queue().peek(nullptr, 0, 0, false));  // run took the quit
+}
+
+TEST_F(Queue, LoopOfItsOwnSeesQuitOnlyWhenTheQueueIsEmpty) {
+  RecordingWindow window;
+  queue().post_quit(2);
+  window.post(WM_USER + 3);
+  EXPECT_FALSE(queue().dispatch_pending());  // dispatches, then reports the quit
+  EXPECT_EQ(window.received.size(), 1u);
+  std::optional<Message> quit = queue().peek(nullptr, 0, 0, true);
+  ASSERT_TRUE(quit);
+  EXPECT_EQ(quit->message, WM_QUIT);
+  EXPECT_EQ(quit->wparam, 2u);
   EXPECT_TRUE(queue().dispatch_pending());
-  EXPECT_EQ(window.received.size(), 2u);
+}
+
+// On a send, runs a modal loop for a moment, as a message box does, while another thread posts
+// to its partner.
+class ModalWindow : public RecordingWindow {
+ public:
+  RecordingWindow partner;
+  std::size_t partner_saw_in_modal_loop = 0;
+  LRESULT handle_message(uint32_t message, WPARAM wparam, LPARAM lparam) override {
+    std::thread poster([this] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      partner.post(WM_USER + 9);
+    });
+    queue().run_for(100);
+    poster.join();
+    partner_saw_in_modal_loop = partner.received.size();
+    return RecordingWindow::handle_message(message, wparam, lparam);
+  }
+};
+
+TEST_F(Queue, ThreadWidePeekDeliversSendsFromOtherThreads) {
+  ModalWindow window;
+  std::atomic<bool> done{false};
+  std::thread sender([&] {
+    window.send(WM_USER + 7, 1);
+    done = true;
+  });
+  // A loop of its own, peeking and sleeping, as a playback loop does.
+  for (int i = 0; i < 5000 && !done; ++i) {
+    if (std::optional<Message> m = queue().peek(nullptr, 0, 0, true)) MessageQueue::dispatch(*m);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  sender.join();
+  EXPECT_TRUE(done);
+  ASSERT_EQ(window.received.size(), 1u);
+  EXPECT_EQ(window.received[0].thread, std::this_thread::get_id());
+  EXPECT_EQ(window.partner_saw_in_modal_loop, 1u);
+}
+
+TEST_F(Queue, RunForDispatchesForAWhileAndStopsAtAQuit) {
+  RecordingWindow window;
+  std::thread poster([&] { window.post(WM_USER + 4); });
+  poster.join();
+  EXPECT_TRUE(queue().run_for(20));
+  EXPECT_EQ(window.received.size(), 1u);
+  queue().post_quit(0);
+  EXPECT_FALSE(queue().run_for(5000));
+  EXPECT_TRUE(queue().peek(nullptr, WM_QUIT, WM_QUIT, true));
+}
+
+// A window whose message runs a loop of its own for a while.
+class NestedLoopWindow : public RecordingWindow {
+ public:
+  bool inner_saw_quit = false;
+  LRESULT handle_message(uint32_t message, WPARAM wparam, LPARAM lparam) override {
+    inner_saw_quit = !queue().run_for(5000);
+    return RecordingWindow::handle_message(message, wparam, lparam);
+  }
+};
+
+TEST_F(Queue, QuitSeenByANestedLoopAlsoEndsTheOuterRun) {
+  NestedLoopWindow window;
+  // The nested loop starts from a send, as from a click, not from a posted message.
+  std::thread sender([&] { window.send(WM_USER + 5); });
+  std::thread quitter([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    window.queue().post_quit(4);
+  });
+  EXPECT_EQ(queue().run(), 4);
+  sender.join();
+  quitter.join();
+  EXPECT_TRUE(window.inner_saw_quit);
 }
 
 TEST_F(Queue, QuitPostedFromAnotherThreadEndsRun) {

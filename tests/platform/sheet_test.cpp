@@ -74,6 +74,17 @@ TEST_F(Sheet, RemovingAPageDestroysItsWindowAndKeepsThePage) {
   EXPECT_EQ(m_second.control<Edit>(201)->text(), "");  // a fresh window
 }
 
+TEST_F(Sheet, RemovingTheActivePageActivatesAnotherWithItsWindow) {
+  SamplePage third{kRegisterDialog};
+  m_sheet.add_page(&third);
+  m_sheet.create();
+  m_sheet.set_active_page(1);
+  m_sheet.remove_page(&m_second);
+  EXPECT_FALSE(m_second.has_window());
+  ASSERT_EQ(m_sheet.active_page(), &third);
+  EXPECT_TRUE(third.has_window());
+}
+
 TEST_F(Sheet, APageDestroyedFirstLeavesTheSheet) {
   auto extra = std::make_unique<SamplePage>(kRegisterDialog);
   m_sheet.add_page(extra.get());

@@ -130,7 +130,17 @@ TEST(BufferLibrary, ConvertsBetweenCaptureFormats) {
   ASSERT_EQ(VBL_BufferCreate(&uninitialised, VBL_BUFFER_TYPE_CONTIGUOUS), VRX_OK);
   EXPECT_NE(VIL_Convert(mono, uninitialised), VRX_OK);
   EXPECT_EQ(VIL_Convert(mono, 0x7FFFFFFF), VIL_NOT_IMPLEMENTED);
+  // Refused values leave the buffer as it was, so it still converts.
   EXPECT_EQ(VBL_BufferParameterSet(mono, VBL_FORMAT, 0xC0022600), VRX_ERR_BAD_VALUE);
+  EXPECT_EQ(VBL_BufferParameterSet(mono, VBL_WIDTH, 0), VRX_ERR_BAD_VALUE);
+  EXPECT_EQ(VBL_BufferParameterSet(mono, VBL_HEIGHT, 70000), VRX_ERR_BAD_VALUE);
+  EXPECT_EQ(VBL_BufferParameterSet(mono, VBL_LINE_LENGTH, 0x200000), VRX_ERR_BAD_VALUE);
+  for (uint32_t item : {VBL_WIDTH, VBL_HEIGHT, VBL_LINE_LENGTH}) {
+    uint32_t value = 0;
+    EXPECT_EQ(VBL_BufferParameterGet(mono, item, &value), VRX_OK);
+    EXPECT_EQ(value, item == VBL_HEIGHT ? 2u : 4u);
+  }
+  EXPECT_EQ(VIL_Convert(mono, rgb), VRX_OK);
   EXPECT_EQ(VBL_BufferCreate(&uninitialised, 2), VRX_ERR_BAD_VALUE);
   for (uint32_t* b : {&mono, &rgb}) EXPECT_EQ(VBL_BufferDestroy(b), VRX_OK);
   EXPECT_EQ(VBL_BufferDestroy(&mono), VRX_ERR_BAD_HANDLE);  // handle already cleared to 0
@@ -152,6 +162,8 @@ TEST(DisplayLibrary, PaintsBuffersIntoItsSink) {
   uint32_t display = 0;
   ASSERT_EQ(VDL_DisplayCreate(&display, &Painted::sink, &painted), VRX_OK);
   ASSERT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_FORMAT, capture_format(16)), VRX_OK);
+  for (const vrx::Choice& method : vrx::rows_of(vrx::kInterpolationChoices))
+    EXPECT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_INTERPOLATION, method.value), VRX_OK);
   EXPECT_EQ(VDL_DisplayParameterSet(display, VDL_PARAM_INTERPOLATION, 3), VRX_ERR_BAD_VALUE);
   uint32_t buffer = 0;
   ASSERT_EQ(VDL_BufferCreate(display, &buffer, VBL_BUFFER_TYPE_VIRTUAL), VRX_OK);

@@ -82,14 +82,17 @@ uint32_t VBL_BufferParameterSet(uint32_t buffer, uint32_t item, uint32_t value) 
     std::shared_ptr<Buffer> b = vrxsim::buffers().find(buffer);
     if (!b) return VRX_ERR_BAD_HANDLE;
     if (b->capture) return VRX_ERR_READ_ONLY;
+    // A refused value leaves the buffer as it was.
+    auto store = [value](uint32_t& field, bool accepted) {
+      if (!accepted) return VRX_ERR_BAD_VALUE;
+      field = value;
+      return VRX_OK;
+    };
     switch (item) {
-      case VBL_WIDTH: b->width = value; return value > 0 && value <= 65536 ? VRX_OK : VRX_ERR_BAD_VALUE;
-      case VBL_HEIGHT: b->height = value; return value > 0 && value <= 65536 ? VRX_OK : VRX_ERR_BAD_VALUE;
-      case VBL_LINE_LENGTH: b->line_length = value; return value <= 0x100000 ? VRX_OK : VRX_ERR_BAD_VALUE;
-      case VBL_FORMAT:
-        if (!vrx::is_capture_format(value)) return VRX_ERR_BAD_VALUE;
-        b->format = value;
-        return VRX_OK;
+      case VBL_WIDTH: return store(b->width, value > 0 && value <= 65536);
+      case VBL_HEIGHT: return store(b->height, value > 0 && value <= 65536);
+      case VBL_LINE_LENGTH: return store(b->line_length, value <= 0x100000);
+      case VBL_FORMAT: return store(b->format, vrx::is_capture_format(value));
       default: return VRX_ERR_BAD_PARAMETER;
     }
   });

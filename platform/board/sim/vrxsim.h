@@ -18,7 +18,7 @@
  *
  * Other environment variables: VRXSIM_FPS (frames per second of a free-running camera, default
  * 30), VRXSIM_BOARDS (installed boards as a comma list of board type codes, default
- * "0xC0013001,0xC0016004": a Camera Link Base board and a four-link CoaXPress board).
+ * "0xC0013005,0xC0016004": a PoCL Camera Link Base board and a four-link CoaXPress board).
  *
  * Every call returns 0 on success or a VRX_ status.
  */
