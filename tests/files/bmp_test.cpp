@@ -4,30 +4,24 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <tuple>
 #include <utility>
 
 namespace {
 
+using vrc::test::BadFile;
 using vrc::test::Bytes;
 using vrc::test::ErrorCapture;
 using vrc::test::ScopedImage;
 using vrc::test::TempDir;
+using vrc::test::get;
+using vrc::test::read_bmp;
+using vrc::test::write_bmp;
 
-uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
 uint32_t le32(const Bytes &bytes, std::size_t at) { return ZEP_mget_ui32i(&bytes[at]); }
 uint16_t le16(const Bytes &bytes, std::size_t at) { return ZEP_mget_ui16i(&bytes[at]); }
-
-uint32_t write_bmp(uint32_t image, const std::string &path) {
-  ZEP_image_set_outfilename(image, path.c_str());
-  return ZEP_write_BMP_file(image);
-}
-
-uint32_t read_bmp(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA) {
-  ZEP_image_set_infilename(image, path.c_str());
-  return ZEP_read_BMP_file(image, action);
-}
 
 class BmpLayout : public testing::TestWithParam<std::tuple<uint16_t, uint32_t>> {
  protected:
@@ -176,37 +170,36 @@ TEST(BmpRead, ActionCloseReadsTheHeaderOnly) {
 TEST(BmpRead, FewerColourTableEntriesStillReadFromTheFixedOffsets) {
   ErrorCapture errors;
   TempDir folder;
-  // A 2 x 1 8-bit file whose header says two colours and data offset 62: the reader takes 256
-  // entries from 54 and the pixels from 1078 all the same.
-  Bytes file(1082, 0);
+  // A 4 x 300 8-bit file with a 2-entry colour table, its rows at 62 (file row r holds r + 1):
+  // the reader takes 256 entries from 54 and the rows from 1078 all the same, so the first rows
+  // it reads are file rows 254 onwards, and the rows past the end of the file read as zeros.
+  const uint32_t width = 4;
+  const uint32_t height = 300;
+  Bytes file(62 + width * height, 0);
   file[0] = 'B';
   file[1] = 'M';
   ZEP_mput_ui32i(&file[10], 62);
   ZEP_mput_ui32i(&file[14], 40);
-  ZEP_mput_ui32i(&file[18], 2);
-  ZEP_mput_ui32i(&file[22], 1);
+  ZEP_mput_ui32i(&file[18], width);
+  ZEP_mput_ui32i(&file[22], height);
   ZEP_mput_ui16i(&file[26], 1);
   ZEP_mput_ui16i(&file[28], 8);
-  file[54] = 0x30;  // entry 0: B, G, R
-  file[55] = 0x20;
-  file[56] = 0x10;
-  file[1078] = 9;
-  file[1079] = 4;
+  file[58] = 0x30;  // entry 1: B, G, R
+  file[59] = 0x20;
+  file[60] = 0x10;
+  for (uint32_t row = 0; row < height; ++row) std::fill_n(file.begin() + 62 + row * width, width, uint8_t(row + 1));
   vrc::test::write_file(folder.file("short-table.bmp"), file);
   ScopedImage image;
   ASSERT_EQ(read_bmp(image, folder.file("short-table.bmp")), 0u);
-  EXPECT_EQ(ZEP_cmap_get_RGB_colour(image, 0), 0x102030u);
-  EXPECT_EQ(vrc::test::line_bytes(image, 0, 2), (Bytes{9, 4}));
+  EXPECT_EQ(errors.count(), 0u);
+  EXPECT_EQ(ZEP_cmap_get_RGB_colour(image, 1), 0x102030u);
+  EXPECT_EQ(ZEP_cmap_get_RGB_colour(image, 2), 0x010101u);  // the bytes of file row 0
+  EXPECT_EQ(vrc::test::line_bytes(image, height - 1, width), Bytes(width, 255));      // file row 254
+  EXPECT_EQ(vrc::test::line_bytes(image, height - 46, width), Bytes(width, 300 % 256));  // file row 299
+  EXPECT_EQ(vrc::test::line_bytes(image, height - 47, width), Bytes(width, 0));
 }
 
-struct BadBmp {
-  const char *name;
-  std::function<void(Bytes &)> damage;
-  uint32_t code;
-  const char *message;
-};
-
-class BmpReadFailure : public testing::TestWithParam<BadBmp> {};
+class BmpReadFailure : public testing::TestWithParam<BadFile> {};
 
 TEST_P(BmpReadFailure, ReportsTheDefect) {
   ErrorCapture errors;
@@ -214,12 +207,10 @@ TEST_P(BmpReadFailure, ReportsTheDefect) {
   ScopedImage source;
   vrc::test::make_pattern_image(source, 5, 4, ZEP_RGB24);
   ASSERT_EQ(write_bmp(source, folder.file("good.bmp")), 0u);
-  Bytes file = vrc::test::read_file(folder.file("good.bmp"));
-  GetParam().damage(file);
-  vrc::test::write_file(folder.file("bad.bmp"), file);
-  vrc::test::write_seed("bmp_read_fuzz", std::string(GetParam().name) + ".bmp", file);
+  const std::string bad =
+      vrc::test::write_damaged(folder, vrc::test::read_file(folder.file("good.bmp")), GetParam(), "bmp_read_fuzz", ".bmp");
   ScopedImage image;
-  EXPECT_EQ(read_bmp(image, folder.file("bad.bmp")), GetParam().code);
+  EXPECT_EQ(read_bmp(image, bad), GetParam().code);
   ASSERT_GE(errors.count(), 1u);
   EXPECT_EQ(errors.last().function, "ZEP_read_BMP_file");
   EXPECT_EQ(errors.last().message, GetParam().message);
@@ -228,22 +219,20 @@ TEST_P(BmpReadFailure, ReportsTheDefect) {
 INSTANTIATE_TEST_SUITE_P(
     Defects, BmpReadFailure,
     testing::Values(
-        BadBmp{"depth_16", [](Bytes &f) { ZEP_mput_ui16i(&f[28], 16); }, ZEP_ERR_UNSUPPORTED, "Unsupported image depth"},
-        BadBmp{"rle8", [](Bytes &f) { ZEP_mput_ui32i(&f[30], 1); }, ZEP_ERR_UNSUPPORTED, "Compressed images not supported"},
-        BadBmp{"compression_3", [](Bytes &f) { ZEP_mput_ui32i(&f[30], 3); }, ZEP_ERR_UNSUPPORTED,
+        BadFile{"depth_16", [](Bytes &f) { ZEP_mput_ui16i(&f[28], 16); }, ZEP_ERR_UNSUPPORTED, "Unsupported image depth"},
+        BadFile{"rle8", [](Bytes &f) { ZEP_mput_ui32i(&f[30], 1); }, ZEP_ERR_UNSUPPORTED, "Compressed images not supported"},
+        BadFile{"compression_3", [](Bytes &f) { ZEP_mput_ui32i(&f[30], 3); }, ZEP_ERR_UNSUPPORTED,
                "Unrecognized compression type"},
-        BadBmp{"truncated_rows", [](Bytes &f) { f.pop_back(); }, ZEP_ERR_UNEXPECTED,
+        BadFile{"huge_height", [](Bytes &f) { ZEP_mput_ui32i(&f[22], 0x7FFFFFFF); }, ZEP_ERR_UNEXPECTED,
                "Image data runs past end of file"},
-        BadBmp{"huge_height", [](Bytes &f) { ZEP_mput_ui32i(&f[22], 0x7FFFFFFF); }, ZEP_ERR_UNEXPECTED,
+        BadFile{"top_down_height", [](Bytes &f) { ZEP_mput_ui32i(&f[22], 0xFFFFFFFC); }, ZEP_ERR_UNEXPECTED,
                "Image data runs past end of file"},
-        BadBmp{"top_down_height", [](Bytes &f) { ZEP_mput_ui32i(&f[22], 0xFFFFFFFC); }, ZEP_ERR_UNEXPECTED,
+        BadFile{"width_past_file", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x01000000); }, ZEP_ERR_UNEXPECTED,
                "Image data runs past end of file"},
-        BadBmp{"width_past_file", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x01000000); }, ZEP_ERR_UNEXPECTED,
-               "Image data runs past end of file"},
-        BadBmp{"line_length_overflows", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x60000000); }, 0x10050011,
+        BadFile{"line_length_overflows", [](Bytes &f) { ZEP_mput_ui32i(&f[18], 0x60000000); }, 0x10050011,
                "ZEP_image_check failed"},
-        BadBmp{"cut_before_bits_per_pixel", [](Bytes &f) { f.erase(f.begin() + 28, f.end()); }, ZEP_ERR_UNSUPPORTED, "Unsupported image depth"}),
-    [](const testing::TestParamInfo<BadBmp> &info) { return std::string(info.param.name); });
+        BadFile{"cut_before_bits_per_pixel", [](Bytes &f) { f.erase(f.begin() + 28, f.end()); }, ZEP_ERR_UNSUPPORTED, "Unsupported image depth"}),
+    vrc::test::bad_file_name);
 
 TEST(BmpRead, MissingFileAndZeroHeight) {
   ErrorCapture errors;

@@ -109,6 +109,47 @@ std::string hex(const Bytes &bytes) {
   return text;
 }
 
+uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
+
+uint32_t write_bmp(uint32_t image, const std::string &path) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_BMP_file(image);
+}
+
+uint32_t read_bmp(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_BMP_file(image, action);
+}
+
+uint32_t write_tiff(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_TIFF_file(image, action);
+}
+
+uint32_t read_tiff(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_TIFF_file(image, action);
+}
+
+uint32_t write_eps(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_EPS_file(image, action);
+}
+
+uint32_t read_eps(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_EPS_file(image, action);
+}
+
+std::string write_damaged(const TempDir &folder, Bytes good, const BadFile &bad, const std::string &target,
+                          const std::string &extension) {
+  bad.damage(good);
+  const std::string name = bad.name + extension;
+  write_seed(target, name, good);
+  write_file(folder.file(name), good);
+  return folder.file(name);
+}
+
 void write_seed(const std::string &target, const std::string &name, const Bytes &bytes) {
   const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
   std::filesystem::create_directories(folder);

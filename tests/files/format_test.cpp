@@ -10,8 +10,7 @@ using vrc::test::Bytes;
 using vrc::test::ErrorCapture;
 using vrc::test::ScopedImage;
 using vrc::test::TempDir;
-
-uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
+using vrc::test::get;
 
 struct Sample {
   const char *name;
