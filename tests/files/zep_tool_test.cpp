@@ -61,7 +61,7 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"", 2, "usage: zep COMMAND"},
       {"frob", 2, "unknown command 'frob'"},
       {"info", 2, "info needs a file"},
-      {"info " + folder.file("none.bmp"), 1, "Failed to open file"},
+      {"info " + folder.file("none.bmp"), 1, "none.bmp: cannot open the file"},
       {"info " + folder.file("notes.txt"), 1, "not a BMP, TIFF, EPS or JPEG file"},
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
       {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|raw"},

@@ -23,7 +23,10 @@ void list_accepted_types(uint16_t format) {
 int describe(const char *path) {
   if (!path_fits(path)) return kFailure;
   const uint32_t format = ZEP_image_find_file_format(path);
-  if (ZEP_IS_ERROR(format)) return kFailure;
+  if (ZEP_IS_ERROR(format)) {
+    std::fprintf(stderr, "zep: %s: cannot open the file\n", path);
+    return kFailure;
+  }
   if (format == ZEP_FILE_UNKNOWN) {
     std::fprintf(stderr, "zep: %s: not a BMP, TIFF, EPS or JPEG file\n", path);
     return kFailure;
