@@ -389,3 +389,16 @@ TEST(Dib, RefusesStripsAndCopiesAFinishedBitmap) {
 }
 
 }  // namespace
+
+TEST(Dib, LockedFramesOfGrowingSizeIntoOneBitmap) {
+  ErrorCapture errors;
+  ScopedImage bitmap;
+  for (uint32_t side : {2u, 64u}) {
+    ScopedImage frame;  // stands for a grabber buffer the caller keeps
+    ZEP_ImageMake(frame, side, side, ZEP_Y8, 0x44);
+    ZEP_image_set_flags(frame, ZEP_FLAG_LOCKED, 1);
+    ASSERT_EQ(ZEP_convert_to_DIB_w31(frame, bitmap, 0, ZEP_ACTION_DATA), 0u);
+    EXPECT_EQ(vrc::test::line_bytes(bitmap, side - 1, 3 * side), Bytes(3 * side, 0x44)) << side;
+    EXPECT_EQ(ZEP_image_get_flags(bitmap, ZEP_FLAG_LOCKED), 0u);
+  }
+}
