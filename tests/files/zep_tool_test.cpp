@@ -66,7 +66,7 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
       {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|raw"},
       {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2, "unknown pixel format 'NOPE'"},
-      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "a BMP file cannot hold Y16 pixels"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "BMP files cannot hold Y16 pixels"},
       {"convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp", 1, "Failed to create file"},
   };
   for (const auto &c : cases) {

@@ -11,7 +11,7 @@ namespace zep_tool {
 namespace {
 
 void list_accepted_types(uint16_t format) {
-  std::fprintf(stderr, "      pixel formats a %s file holds:", format_name(format));
+  std::fprintf(stderr, "      pixel formats %s files hold:", format_name(format));
   for (uint32_t type = ZEP_Y1; type < ZEP_TYPE_LIMIT; ++type) {
     if (format_accepts(format, type) && std::strcmp(type_name(type), "unknown") != 0) {
       std::fprintf(stderr, " %s", type_name(type));
@@ -138,7 +138,7 @@ int run_convert(int argc, char **argv) {
   const uint32_t source_type = ZEP_image_get_parameter(source.handle(), ZEP_IMAGE_TYPE);
   const uint32_t wanted_type = request->type.value_or(source_type);
   if (!format_accepts(*request->format, wanted_type)) {
-    std::fprintf(stderr, "zep: a %s file cannot hold %s pixels; choose them with --type\n",
+    std::fprintf(stderr, "zep: %s files cannot hold %s pixels; choose others with --type\n",
                  format_name(*request->format), type_name(wanted_type));
     list_accepted_types(*request->format);
     return kFailure;
