@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 namespace {
 
 using vrc::test::Bytes;
@@ -67,11 +70,21 @@ INSTANTIATE_TEST_SUITE_P(
                     Sample{"text", {'h', 'e', 'l', 'l', 'o'}, ZEP_FILE_UNKNOWN}),
     [](const testing::TestParamInfo<Sample> &info) { return std::string(info.param.name); });
 
-TEST(Detection, MissingFileReportsTheOpenFailure) {
+TEST(Detection, MissingFileFailsToOpenInTheDetectorAndEveryReader) {
   ErrorCapture errors;
-  EXPECT_EQ(ZEP_image_find_file_format("/nonexistent/file"), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().function, "ZEP_image_find_file_format");
-  EXPECT_EQ(errors.last().message, "Failed to open file");
+  ScopedImage image;
+  const std::string missing = "/nonexistent/file";
+  const std::pair<const char *, std::function<uint32_t()>> calls[] = {
+      {"ZEP_image_find_file_format", [&] { return ZEP_image_find_file_format(missing.c_str()); }},
+      {"ZEP_read_BMP_file", [&] { return vrc::test::read_bmp(image, missing); }},
+      {"ZEP_read_TIFF_file", [&] { return vrc::test::read_tiff(image, missing); }},
+      {"ZEP_read_EPS_file", [&] { return vrc::test::read_eps(image, missing); }},
+  };
+  for (const auto &[function, call] : calls) {
+    EXPECT_EQ(call(), ZEP_ERR_OPEN) << function;
+    EXPECT_EQ(errors.last().function, function);
+    EXPECT_EQ(errors.last().message, "Failed to open file");
+  }
 }
 
 TEST(Dispatch, ReadsEveryFormatByDetectionOnly) {
@@ -121,28 +134,25 @@ TEST(Dispatch, UnknownFormatsAndUnreadableFiles) {
   EXPECT_EQ(errors.all()[1].message, "Failed to recognise file format");
 }
 
-TEST(RawData, SixteenBitSamplesAreWrittenWithoutPadding) {
+TEST(RawData, LinesAsStoredExceptSixteenBitSamplesWithoutPadding) {
   ErrorCapture errors;
   TempDir folder;
-  ScopedImage image;
-  ZEP_image_set_parameter(image, ZEP_LINE_ALIGN, 4);
-  vrc::test::make_pattern_image(image, 3, 2, ZEP_Y16);
-  ASSERT_EQ(get(image, ZEP_BYTES_PER_LINE), 8u);
-  ZEP_image_set_outfilename(image, folder.file("y16.raw").c_str());
-  ASSERT_EQ(ZEP_image_write(image, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);
-  const Bytes file = vrc::test::read_file(folder.file("y16.raw"));
-  ASSERT_EQ(file.size(), 12u);
-  EXPECT_EQ(Bytes(file.begin() + 6, file.end()), vrc::test::line_bytes(image, 1, 6));
-}
+  ScopedImage y16;
+  ZEP_image_set_parameter(y16, ZEP_LINE_ALIGN, 4);
+  vrc::test::make_pattern_image(y16, 3, 2, ZEP_Y16);
+  ASSERT_EQ(get(y16, ZEP_BYTES_PER_LINE), 8u);
+  ZEP_image_set_outfilename(y16, folder.file("y16.raw").c_str());
+  ASSERT_EQ(ZEP_image_write(y16, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);
+  Bytes expected = vrc::test::line_bytes(y16, 0, 6);
+  const Bytes second = vrc::test::line_bytes(y16, 1, 6);
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(vrc::test::read_file(folder.file("y16.raw")), expected);
 
-TEST(RawData, OtherFormatsAreWrittenLineByLineWithTheirPadding) {
-  ErrorCapture errors;
-  TempDir folder;
-  ScopedImage image;
-  vrc::test::make_pattern_image(image, 3, 2, ZEP_RGB24);
-  ZEP_image_set_outfilename(image, folder.file("rgb.raw").c_str());
-  ASSERT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
-  EXPECT_EQ(vrc::test::read_file(folder.file("rgb.raw")), vrc::test::line_bytes(image, 0, 20));
+  ScopedImage rgb;
+  vrc::test::make_pattern_image(rgb, 3, 2, ZEP_RGB24);
+  ZEP_image_set_outfilename(rgb, folder.file("rgb.raw").c_str());
+  ASSERT_EQ(ZEP_write_raw_data_file(rgb, ZEP_ACTION_DATA), 0u);
+  EXPECT_EQ(vrc::test::read_file(folder.file("rgb.raw")), vrc::test::line_bytes(rgb, 0, 20));
 }
 
 TEST(RawData, StripsGoToTheSameFileUntilClosed) {

@@ -453,11 +453,4 @@ TEST(TiffRead, PixelsPastTheEndAreReadSilentlyAsZeros) {
   }
 }
 
-TEST(TiffRead, MissingFile) {
-  ErrorCapture errors;
-  ScopedImage image;
-  EXPECT_EQ(read_tiff(image, "/nonexistent/x.tif"), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().message, "Failed to open file");
-}
-
 }  // namespace
