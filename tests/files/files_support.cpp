@@ -150,6 +150,28 @@ std::string write_damaged(const TempDir &folder, Bytes good, const BadFile &bad,
   return folder.file(name);
 }
 
+Bytes pattern_file(uint16_t type, uint32_t width, uint32_t height,
+                   const std::function<uint32_t(uint32_t, const std::string &)> &write) {
+  TempDir folder;
+  ScopedImage image;
+  make_pattern_image(image, width, height, type);
+  EXPECT_EQ(write(image, folder.file("good")), 0u);
+  return read_file(folder.file("good"));
+}
+
+void expect_read_failure(const Bytes &good, const BadFile &bad, const std::string &target,
+                         const std::string &extension,
+                         const std::function<uint32_t(uint32_t, const std::string &)> &read,
+                         const char *function) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  EXPECT_EQ(read(image, write_damaged(folder, good, bad, target, extension)), bad.code);
+  ASSERT_GE(errors.count(), 1u);  // a failed check has reported itself first
+  EXPECT_EQ(errors.last().function, function);
+  EXPECT_EQ(errors.last().message, bad.message);
+}
+
 void write_seed(const std::string &target, const std::string &name, const Bytes &bytes) {
   const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
   std::filesystem::create_directories(folder);
