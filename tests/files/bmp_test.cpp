@@ -293,6 +293,19 @@ TEST(BmpPillow, WeReadPillowsFiles) {
     const uint32_t r = (entry * 7) % 256, g = (entry * 7 + 50) % 256, b = (entry * 7 + 100) % 256;
     EXPECT_EQ(ZEP_cmap_get_RGB_colour(paletted, entry), r << 16 | g << 8 | b);
   }
+
+  // Pillow stores only the colours a small palette has; the colours still come from 54, the
+  // pixels from 1078, past the end of this file.
+  const std::string small_path = folder.file("pil-p4.bmp");
+  ASSERT_EQ(vrc::test::run_pillow("p = Image.frombytes('P', (4, 2), bytes([0, 1, 2, 3] * 2))\n"
+                                  "p.putpalette([10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120])\n"
+                                  "p.save('" + small_path + "')\n"),
+            "");
+  ScopedImage small;
+  ASSERT_EQ(read_bmp(small, small_path), 0u);
+  EXPECT_EQ(ZEP_cmap_get_RGB_colour(small, 3), 0x646E78u);
+  EXPECT_EQ(vrc::test::line_bytes(small, 1, 4), Bytes(4, 0));
+  EXPECT_EQ(errors.count(), 0u);
 }
 
 TEST(BmpBuffer, MatchesTheFileAndLeavesTheImageUnchanged) {
