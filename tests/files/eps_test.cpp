@@ -108,19 +108,6 @@ TEST(EpsWrite, PalettedPageHasAnIndexedColourSpace) {
   EXPECT_NE(text.find("720 480 scale\n" + colours), std::string::npos) << text;
 }
 
-TEST(EpsWrite, Refusals) {
-  ErrorCapture errors;
-  TempDir folder;
-  ScopedImage image;
-  ZEP_ImageMake(image, 2, 2, ZEP_RGB16, 0);
-  EXPECT_EQ(write_eps(image, folder.file("x.eps")), 0x10070006u);
-  EXPECT_EQ(errors.last().function, "ZEP_write_EPS_file");
-  EXPECT_EQ(errors.last().message, "Unsupported image format");
-  ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
-  EXPECT_EQ(write_eps(image, folder.file("no/x.eps")), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().message, "Failed to create file");
-}
-
 class EpsRoundTrip : public testing::TestWithParam<std::tuple<uint16_t, uint32_t>> {};
 
 TEST_P(EpsRoundTrip, ReadsBackThePixels) {

@@ -176,20 +176,43 @@ TEST(RawData, StripsGoToTheSameFileUntilClosed) {
   EXPECT_EQ(vrc::test::read_file(folder.file("strips.raw")), vrc::test::line_bytes(whole, 0, 20));
 }
 
-TEST(RawData, Refusals) {
+// Every writer through the dispatch: formats it does not hold (the code or-ed in where the
+// writer does so), an image that fails its check, and a file that cannot be created.
+TEST(Writers, RefuseWhatTheyCannotWrite) {
   ErrorCapture errors;
   TempDir folder;
-  ScopedImage image;
-  ZEP_ImageMake(image, 2, 2, ZEP_CMYK32, 0);
-  ZEP_image_set_outfilename(image, folder.file("c.raw").c_str());
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
-  EXPECT_EQ(errors.last().message, "Unsupported image format");
-  ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
-  ZEP_image_set_outfilename(image, folder.file("none/c.raw").c_str());
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().message, "Failed to create file");
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 0);
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
+  const struct {
+    uint16_t format;
+    uint16_t type;
+    const char *file;
+    uint32_t code;
+    const char *function;
+    const char *message;
+  } cases[] = {
+      {ZEP_FILE_BMP, ZEP_Y16, "x", 0x1007000E, "ZEP_write_BMP_file", "Unsupported image format"},
+      {ZEP_FILE_BMP, ZEP_NONE, "x", 0x10050010, "ZEP_write_BMP_file", "Corrupt image"},
+      {ZEP_FILE_BMP, ZEP_RGB24, "no/x", ZEP_ERR_OPEN, "ZEP_write_BMP_file", "Failed to create file"},
+      {ZEP_FILE_TIFF, ZEP_RGB16, "x", 0x10070006, "ZEP_write_TIFF_file", "Unsupported image format"},
+      {ZEP_FILE_TIFF, ZEP_PALETTED, "x", 0x10070010, "ZEP_write_TIFF_file", "Unsupported palette/colourmap size"},
+      {ZEP_FILE_EPS, ZEP_RGB16, "x", 0x10070006, "ZEP_write_EPS_file", "Unsupported image format"},
+      {ZEP_FILE_EPS, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_EPS_file", "Failed to create file"},
+      {ZEP_FILE_RAW, ZEP_CMYK32, "x", ZEP_ERR_UNSUPPORTED, "ZEP_write_raw_data_file", "Unsupported image format"},
+      {ZEP_FILE_RAW, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_raw_data_file", "Failed to create file"},
+  };
+  for (const auto &c : cases) {
+    ScopedImage image;
+    if (c.type != ZEP_NONE) ZEP_ImageMake(image, 2, 2, c.type, 1);
+    if (c.type == ZEP_PALETTED) ZEP_image_set_parameter(image, ZEP_CMAP_COLOURS, 16);  // TIFF needs 256
+    ZEP_image_set_outfilename(image, folder.file(c.file).c_str());
+    EXPECT_EQ(ZEP_image_write(image, 0, c.format, ZEP_ACTION_DATA), c.code) << c.function << " " << c.type;
+    EXPECT_EQ(errors.last().function, c.function);
+    EXPECT_EQ(errors.last().message, c.message);
+  }
+  // An empty strip is no raw data and no failure.
+  ScopedImage empty;
+  ZEP_ImageMake(empty, 2, 2, ZEP_Y8, 0);
+  ZEP_image_set_parameter(empty, ZEP_LINES_THIS_STRIP, 0);
+  EXPECT_EQ(ZEP_write_raw_data_file(empty, ZEP_ACTION_DATA), 0u);
 }
 
 // Well-formed seeds for every reader, in every format each one reads.
