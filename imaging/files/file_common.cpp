@@ -39,8 +39,8 @@ uint32_t finish_without_data(const char *function_name, File &file, OpenSlot slo
 }
 
 uint32_t check_fits_in_file(const char *function_name, uint64_t needed, uint64_t available) {
-  return needed > available ? core::report(function_name, ZEP_ERR_UNEXPECTED, message::kDataPastEnd)
-                            : ZEP_OK;
+  if (needed <= available || needed <= kMaxUnbackedBytes) return ZEP_OK;
+  return core::report(function_name, ZEP_ERR_UNEXPECTED, message::kDataPastEnd);
 }
 
 uint32_t allocate_strip(uint32_t handle) {

@@ -20,7 +20,7 @@ inline constexpr char kSeekFailed[] = "fseek failed";
 inline constexpr char kCorruptImage[] = "Corrupt image";
 inline constexpr char kCheckFailed[] = "ZEP_image_check failed";
 inline constexpr char kUnsupportedFormat[] = "Unsupported image format";
-// A header whose dimensions need more bytes than the file holds.
+// A header whose dimensions need far more bytes than the file holds.
 inline constexpr char kDataPastEnd[] = "Image data runs past end of file";
 }  // namespace message
 
@@ -44,7 +44,13 @@ uint32_t close_file(const char *function_name, File &file);
 // open in `slot`.
 uint32_t finish_without_data(const char *function_name, File &file, OpenSlot slot, uint16_t action);
 
-// Fails with "Image data runs past end of file" when `needed` bytes exceed `available`.
+// Pixel bytes a header may describe beyond what its file holds. A truncated file is read as far
+// as it goes (the rest of the strip stays zero), but a header whose strip the file cannot begin
+// to back is refused before anything that large is allocated.
+inline constexpr uint64_t kMaxUnbackedBytes = uint64_t{16} << 20;
+
+// Fails with "Image data runs past end of file" when `needed` bytes exceed both `available` and
+// kMaxUnbackedBytes.
 uint32_t check_fits_in_file(const char *function_name, uint64_t needed, uint64_t available);
 
 // Frees the image's data and allocates one zero-filled strip of lines_this_strip lines.

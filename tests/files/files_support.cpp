@@ -109,6 +109,69 @@ std::string hex(const Bytes &bytes) {
   return text;
 }
 
+uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
+
+uint32_t write_bmp(uint32_t image, const std::string &path) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_BMP_file(image);
+}
+
+uint32_t read_bmp(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_BMP_file(image, action);
+}
+
+uint32_t write_tiff(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_TIFF_file(image, action);
+}
+
+uint32_t read_tiff(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_TIFF_file(image, action);
+}
+
+uint32_t write_eps(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_outfilename(image, path.c_str());
+  return ZEP_write_EPS_file(image, action);
+}
+
+uint32_t read_eps(uint32_t image, const std::string &path, uint16_t action) {
+  ZEP_image_set_infilename(image, path.c_str());
+  return ZEP_read_EPS_file(image, action);
+}
+
+std::string write_damaged(const TempDir &folder, Bytes good, const BadFile &bad, const std::string &target,
+                          const std::string &extension) {
+  bad.damage(good);
+  const std::string name = bad.name + extension;
+  write_seed(target, name, good);
+  write_file(folder.file(name), good);
+  return folder.file(name);
+}
+
+Bytes pattern_file(uint16_t type, uint32_t width, uint32_t height,
+                   const std::function<uint32_t(uint32_t, const std::string &)> &write) {
+  TempDir folder;
+  ScopedImage image;
+  make_pattern_image(image, width, height, type);
+  EXPECT_EQ(write(image, folder.file("good")), 0u);
+  return read_file(folder.file("good"));
+}
+
+void expect_read_failure(const Bytes &good, const BadFile &bad, const std::string &target,
+                         const std::string &extension,
+                         const std::function<uint32_t(uint32_t, const std::string &)> &read,
+                         const char *function) {
+  ErrorCapture errors;
+  TempDir folder;
+  ScopedImage image;
+  EXPECT_EQ(read(image, write_damaged(folder, good, bad, target, extension)), bad.code);
+  ASSERT_GE(errors.count(), 1u);  // a failed check has reported itself first
+  EXPECT_EQ(errors.last().function, function);
+  EXPECT_EQ(errors.last().message, bad.message);
+}
+
 void write_seed(const std::string &target, const std::string &name, const Bytes &bytes) {
   const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
   std::filesystem::create_directories(folder);

@@ -5,8 +5,12 @@
 
 #include "support/error_capture.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -58,6 +62,43 @@ Bytes swap_red_blue(Bytes pixels);
 
 // Lower-case hex of the bytes.
 std::string hex(const Bytes &bytes);
+
+uint32_t get(uint32_t image, uint16_t id);
+
+// Name `path` as the image's output or input file and call the format's writer or reader.
+uint32_t write_bmp(uint32_t image, const std::string &path);
+uint32_t read_bmp(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA);
+uint32_t write_tiff(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA);
+uint32_t read_tiff(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA);
+uint32_t write_eps(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA);
+uint32_t read_eps(uint32_t image, const std::string &path, uint16_t action = ZEP_ACTION_DATA);
+
+// A good file damaged one way, named for its defect, with the failure its reader reports.
+struct BadFile {
+  const char *name;
+  std::function<void(Bytes &)> damage;
+  uint32_t code;
+  const char *message;
+};
+
+inline void PrintTo(const BadFile &bad, std::ostream *out) { *out << bad.name; }
+inline std::string bad_file_name(const testing::TestParamInfo<BadFile> &info) { return info.param.name; }
+
+// Writes `good` damaged by `bad` into `folder` and as a seed of the fuzz target `target`, both
+// named for the defect with `extension`; returns the path in `folder`.
+std::string write_damaged(const TempDir &folder, Bytes good, const BadFile &bad, const std::string &target,
+                          const std::string &extension);
+
+// The bytes of a width x height pattern image of `type` written by `write` (a path is passed).
+Bytes pattern_file(uint16_t type, uint32_t width, uint32_t height,
+                   const std::function<uint32_t(uint32_t, const std::string &)> &write);
+
+// Reads `good` damaged by `bad` (also stored as a seed of `target`) through `read` into a new
+// image and expects the code of `bad` and, last reported, `function` with its message.
+void expect_read_failure(const Bytes &good, const BadFile &bad, const std::string &target,
+                         const std::string &extension,
+                         const std::function<uint32_t(uint32_t, const std::string &)> &read,
+                         const char *function);
 
 // Stores `bytes` as seed `name` of the fuzz target `target`.
 void write_seed(const std::string &target, const std::string &name, const Bytes &bytes);

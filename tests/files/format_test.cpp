@@ -4,14 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <utility>
+
 namespace {
 
 using vrc::test::Bytes;
 using vrc::test::ErrorCapture;
 using vrc::test::ScopedImage;
 using vrc::test::TempDir;
-
-uint32_t get(uint32_t image, uint16_t id) { return ZEP_image_get_parameter(image, id); }
+using vrc::test::get;
 
 struct Sample {
   const char *name;
@@ -68,11 +70,21 @@ INSTANTIATE_TEST_SUITE_P(
                     Sample{"text", {'h', 'e', 'l', 'l', 'o'}, ZEP_FILE_UNKNOWN}),
     [](const testing::TestParamInfo<Sample> &info) { return std::string(info.param.name); });
 
-TEST(Detection, MissingFileReportsTheOpenFailure) {
+TEST(Detection, MissingFileFailsToOpenInTheDetectorAndEveryReader) {
   ErrorCapture errors;
-  EXPECT_EQ(ZEP_image_find_file_format("/nonexistent/file"), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().function, "ZEP_image_find_file_format");
-  EXPECT_EQ(errors.last().message, "Failed to open file");
+  ScopedImage image;
+  const std::string missing = "/nonexistent/file";
+  const std::pair<const char *, std::function<uint32_t()>> calls[] = {
+      {"ZEP_image_find_file_format", [&] { return ZEP_image_find_file_format(missing.c_str()); }},
+      {"ZEP_read_BMP_file", [&] { return vrc::test::read_bmp(image, missing); }},
+      {"ZEP_read_TIFF_file", [&] { return vrc::test::read_tiff(image, missing); }},
+      {"ZEP_read_EPS_file", [&] { return vrc::test::read_eps(image, missing); }},
+  };
+  for (const auto &[function, call] : calls) {
+    EXPECT_EQ(call(), ZEP_ERR_OPEN) << function;
+    EXPECT_EQ(errors.last().function, function);
+    EXPECT_EQ(errors.last().message, "Failed to open file");
+  }
 }
 
 TEST(Dispatch, ReadsEveryFormatByDetectionOnly) {
@@ -122,28 +134,25 @@ TEST(Dispatch, UnknownFormatsAndUnreadableFiles) {
   EXPECT_EQ(errors.all()[1].message, "Failed to recognise file format");
 }
 
-TEST(RawData, SixteenBitSamplesAreWrittenWithoutPadding) {
+TEST(RawData, LinesAsStoredExceptSixteenBitSamplesWithoutPadding) {
   ErrorCapture errors;
   TempDir folder;
-  ScopedImage image;
-  ZEP_image_set_parameter(image, ZEP_LINE_ALIGN, 4);
-  vrc::test::make_pattern_image(image, 3, 2, ZEP_Y16);
-  ASSERT_EQ(get(image, ZEP_BYTES_PER_LINE), 8u);
-  ZEP_image_set_outfilename(image, folder.file("y16.raw").c_str());
-  ASSERT_EQ(ZEP_image_write(image, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);
-  const Bytes file = vrc::test::read_file(folder.file("y16.raw"));
-  ASSERT_EQ(file.size(), 12u);
-  EXPECT_EQ(Bytes(file.begin() + 6, file.end()), vrc::test::line_bytes(image, 1, 6));
-}
+  ScopedImage y16;
+  ZEP_image_set_parameter(y16, ZEP_LINE_ALIGN, 4);
+  vrc::test::make_pattern_image(y16, 3, 2, ZEP_Y16);
+  ASSERT_EQ(get(y16, ZEP_BYTES_PER_LINE), 8u);
+  ZEP_image_set_outfilename(y16, folder.file("y16.raw").c_str());
+  ASSERT_EQ(ZEP_image_write(y16, 0, ZEP_FILE_RAW, ZEP_ACTION_DATA), 0u);
+  Bytes expected = vrc::test::line_bytes(y16, 0, 6);
+  const Bytes second = vrc::test::line_bytes(y16, 1, 6);
+  expected.insert(expected.end(), second.begin(), second.end());
+  EXPECT_EQ(vrc::test::read_file(folder.file("y16.raw")), expected);
 
-TEST(RawData, OtherFormatsAreWrittenLineByLineWithTheirPadding) {
-  ErrorCapture errors;
-  TempDir folder;
-  ScopedImage image;
-  vrc::test::make_pattern_image(image, 3, 2, ZEP_RGB24);
-  ZEP_image_set_outfilename(image, folder.file("rgb.raw").c_str());
-  ASSERT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
-  EXPECT_EQ(vrc::test::read_file(folder.file("rgb.raw")), vrc::test::line_bytes(image, 0, 20));
+  ScopedImage rgb;
+  vrc::test::make_pattern_image(rgb, 3, 2, ZEP_RGB24);
+  ZEP_image_set_outfilename(rgb, folder.file("rgb.raw").c_str());
+  ASSERT_EQ(ZEP_write_raw_data_file(rgb, ZEP_ACTION_DATA), 0u);
+  EXPECT_EQ(vrc::test::read_file(folder.file("rgb.raw")), vrc::test::line_bytes(rgb, 0, 20));
 }
 
 TEST(RawData, StripsGoToTheSameFileUntilClosed) {
@@ -167,20 +176,43 @@ TEST(RawData, StripsGoToTheSameFileUntilClosed) {
   EXPECT_EQ(vrc::test::read_file(folder.file("strips.raw")), vrc::test::line_bytes(whole, 0, 20));
 }
 
-TEST(RawData, Refusals) {
+// Every writer through the dispatch: formats it does not hold (the code or-ed in where the
+// writer does so), an image that fails its check, and a file that cannot be created.
+TEST(Writers, RefuseWhatTheyCannotWrite) {
   ErrorCapture errors;
   TempDir folder;
-  ScopedImage image;
-  ZEP_ImageMake(image, 2, 2, ZEP_CMYK32, 0);
-  ZEP_image_set_outfilename(image, folder.file("c.raw").c_str());
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_UNSUPPORTED);
-  EXPECT_EQ(errors.last().message, "Unsupported image format");
-  ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
-  ZEP_image_set_outfilename(image, folder.file("none/c.raw").c_str());
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), ZEP_ERR_OPEN);
-  EXPECT_EQ(errors.last().message, "Failed to create file");
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 0);
-  EXPECT_EQ(ZEP_write_raw_data_file(image, ZEP_ACTION_DATA), 0u);
+  const struct {
+    uint16_t format;
+    uint16_t type;
+    const char *file;
+    uint32_t code;
+    const char *function;
+    const char *message;
+  } cases[] = {
+      {ZEP_FILE_BMP, ZEP_Y16, "x", 0x1007000E, "ZEP_write_BMP_file", "Unsupported image format"},
+      {ZEP_FILE_BMP, ZEP_NONE, "x", 0x10050010, "ZEP_write_BMP_file", "Corrupt image"},
+      {ZEP_FILE_BMP, ZEP_RGB24, "no/x", ZEP_ERR_OPEN, "ZEP_write_BMP_file", "Failed to create file"},
+      {ZEP_FILE_TIFF, ZEP_RGB16, "x", 0x10070006, "ZEP_write_TIFF_file", "Unsupported image format"},
+      {ZEP_FILE_TIFF, ZEP_PALETTED, "x", 0x10070010, "ZEP_write_TIFF_file", "Unsupported palette/colourmap size"},
+      {ZEP_FILE_EPS, ZEP_RGB16, "x", 0x10070006, "ZEP_write_EPS_file", "Unsupported image format"},
+      {ZEP_FILE_EPS, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_EPS_file", "Failed to create file"},
+      {ZEP_FILE_RAW, ZEP_CMYK32, "x", ZEP_ERR_UNSUPPORTED, "ZEP_write_raw_data_file", "Unsupported image format"},
+      {ZEP_FILE_RAW, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_raw_data_file", "Failed to create file"},
+  };
+  for (const auto &c : cases) {
+    ScopedImage image;
+    if (c.type != ZEP_NONE) ZEP_ImageMake(image, 2, 2, c.type, 1);
+    if (c.type == ZEP_PALETTED) ZEP_image_set_parameter(image, ZEP_CMAP_COLOURS, 16);  // TIFF needs 256
+    ZEP_image_set_outfilename(image, folder.file(c.file).c_str());
+    EXPECT_EQ(ZEP_image_write(image, 0, c.format, ZEP_ACTION_DATA), c.code) << c.function << " " << c.type;
+    EXPECT_EQ(errors.last().function, c.function);
+    EXPECT_EQ(errors.last().message, c.message);
+  }
+  // An empty strip is no raw data and no failure.
+  ScopedImage empty;
+  ZEP_ImageMake(empty, 2, 2, ZEP_Y8, 0);
+  ZEP_image_set_parameter(empty, ZEP_LINES_THIS_STRIP, 0);
+  EXPECT_EQ(ZEP_write_raw_data_file(empty, ZEP_ACTION_DATA), 0u);
 }
 
 // Well-formed seeds for every reader, in every format each one reads.

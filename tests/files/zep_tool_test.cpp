@@ -61,12 +61,12 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"", 2, "usage: zep COMMAND"},
       {"frob", 2, "unknown command 'frob'"},
       {"info", 2, "info needs a file"},
-      {"info " + folder.file("none.bmp"), 1, "Failed to open file"},
+      {"info " + folder.file("none.bmp"), 1, "none.bmp: cannot open the file"},
       {"info " + folder.file("notes.txt"), 1, "not a BMP, TIFF, EPS or JPEG file"},
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
       {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|raw"},
       {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2, "unknown pixel format 'NOPE'"},
-      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "a BMP file cannot hold Y16 pixels"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "BMP files cannot hold Y16 pixels"},
       {"convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp", 1, "Failed to create file"},
   };
   for (const auto &c : cases) {

@@ -11,7 +11,7 @@ namespace zep_tool {
 namespace {
 
 void list_accepted_types(uint16_t format) {
-  std::fprintf(stderr, "      pixel formats a %s file holds:", format_name(format));
+  std::fprintf(stderr, "      pixel formats %s files hold:", format_name(format));
   for (uint32_t type = ZEP_Y1; type < ZEP_TYPE_LIMIT; ++type) {
     if (format_accepts(format, type) && std::strcmp(type_name(type), "unknown") != 0) {
       std::fprintf(stderr, " %s", type_name(type));
@@ -23,7 +23,10 @@ void list_accepted_types(uint16_t format) {
 int describe(const char *path) {
   if (!path_fits(path)) return kFailure;
   const uint32_t format = ZEP_image_find_file_format(path);
-  if (ZEP_IS_ERROR(format)) return kFailure;
+  if (ZEP_IS_ERROR(format)) {
+    std::fprintf(stderr, "zep: %s: cannot open the file\n", path);
+    return kFailure;
+  }
   if (format == ZEP_FILE_UNKNOWN) {
     std::fprintf(stderr, "zep: %s: not a BMP, TIFF, EPS or JPEG file\n", path);
     return kFailure;
@@ -135,7 +138,7 @@ int run_convert(int argc, char **argv) {
   const uint32_t source_type = ZEP_image_get_parameter(source.handle(), ZEP_IMAGE_TYPE);
   const uint32_t wanted_type = request->type.value_or(source_type);
   if (!format_accepts(*request->format, wanted_type)) {
-    std::fprintf(stderr, "zep: a %s file cannot hold %s pixels; choose them with --type\n",
+    std::fprintf(stderr, "zep: %s files cannot hold %s pixels; choose others with --type\n",
                  format_name(*request->format), type_name(wanted_type));
     list_accepted_types(*request->format);
     return kFailure;

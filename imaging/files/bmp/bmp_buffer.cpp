@@ -41,7 +41,7 @@ uint32_t write_bmp_buffer(uint32_t handle, uint8_t *buffer, uint32_t *size_out) 
     return core::report(kBufferName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   }
   if (image->type == ZEP_Y8) {
-    if (const uint32_t status = ZEP_cmap_set_type(handle, 2, 0); ZEP_IS_ERROR(status)) return status;
+    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status)) return status;
   }
   const uint32_t bits = image->type == ZEP_RGB24 ? 24 : 8;
   const std::vector<uint8_t> header = build_header(*image, bits);

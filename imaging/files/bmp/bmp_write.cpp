@@ -72,7 +72,7 @@ uint32_t write_bmp(uint32_t handle) {
 
   const uint32_t bits = writes_8_bit(image->type) ? 8 : 24;
   if (image->type == ZEP_Y8) {
-    if (const uint32_t status = ZEP_cmap_set_type(handle, 2, 0); ZEP_IS_ERROR(status)) return status;
+    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status)) return status;
   }
   const std::vector<uint8_t> header = build_header(*image, bits);
   write_bytes(file.get(), header);

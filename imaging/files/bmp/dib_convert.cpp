@@ -85,7 +85,12 @@ uint32_t convert_to_dib(uint32_t source, uint32_t destination, uint32_t flags, u
   if (!is_accepted(image->type)) {
     return core::report(kDibName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   }
+  // The bitmap's buffer stays the bitmap's: taking a locked source's flag would have the next,
+  // larger conversion write into the smaller buffer of this one.
+  const ZEP_IMAGE *bitmap = core::image_record(destination);
+  const bool caller_buffer = bitmap != nullptr && (bitmap->flags & ZEP_FLAG_LOCKED) != 0;
   if (const uint32_t status = ZEP_image_copy_parameters(source, destination); ZEP_IS_ERROR(status)) return status;
+  ZEP_image_set_flags(destination, ZEP_FLAG_LOCKED, caller_buffer ? 1 : 0);
   ZEP_image_set_parameter(destination, ZEP_LINE_ALIGN, 4);
   ZEP_image_set_parameter(destination, ZEP_IMAGE_TYPE, ZEP_BGR24);
   ZEP_image_set_flags(destination, flags | ZEP_FLAG_DIB, 1);
