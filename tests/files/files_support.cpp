@@ -159,16 +159,24 @@ Bytes pattern_file(uint16_t type, uint32_t width, uint32_t height,
   return read_file(folder.file("good"));
 }
 
-void expect_read_failure(const Bytes &good, const BadFile &bad, const std::string &target,
-                         const std::string &extension,
-                         const std::function<uint32_t(uint32_t, const std::string &)> &read,
-                         const char *function) {
+const FileFormat kBmpFormat{
+    [](uint32_t image, const std::string &path) { return write_bmp(image, path); },
+    [](uint32_t image, const std::string &path) { return read_bmp(image, path); },
+    "ZEP_read_BMP_file", "bmp_read_fuzz", ".bmp"};
+
+const FileFormat kTiffFormat{
+    [](uint32_t image, const std::string &path) { return write_tiff(image, path); },
+    [](uint32_t image, const std::string &path) { return read_tiff(image, path); },
+    "ZEP_read_TIFF_file", "tiff_read_fuzz", ".tif"};
+
+void expect_read_failure(const FileFormat &format, uint32_t width, uint32_t height, const BadFile &bad) {
+  const Bytes good = pattern_file(ZEP_RGB24, width, height, format.write);
   ErrorCapture errors;
   TempDir folder;
   ScopedImage image;
-  EXPECT_EQ(read(image, write_damaged(folder, good, bad, target, extension)), bad.code);
+  EXPECT_EQ(format.read(image, write_damaged(folder, good, bad, format.fuzz_target, format.extension)), bad.code);
   ASSERT_GE(errors.count(), 1u);  // a failed check has reported itself first
-  EXPECT_EQ(errors.last().function, function);
+  EXPECT_EQ(errors.last().function, format.read_function);
   EXPECT_EQ(errors.last().message, bad.message);
 }
 

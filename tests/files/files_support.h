@@ -93,12 +93,23 @@ std::string write_damaged(const TempDir &folder, Bytes good, const BadFile &bad,
 Bytes pattern_file(uint16_t type, uint32_t width, uint32_t height,
                    const std::function<uint32_t(uint32_t, const std::string &)> &write);
 
-// Reads `good` damaged by `bad` (also stored as a seed of `target`) through `read` into a new
-// image and expects the code of `bad` and, last reported, `function` with its message.
-void expect_read_failure(const Bytes &good, const BadFile &bad, const std::string &target,
-                         const std::string &extension,
-                         const std::function<uint32_t(uint32_t, const std::string &)> &read,
-                         const char *function);
+// A file format under test: how to write and read it, its reader's reported name, the fuzz
+// target its damaged samples seed, and its file-name extension.
+struct FileFormat {
+  uint32_t (*write)(uint32_t image, const std::string &path);
+  uint32_t (*read)(uint32_t image, const std::string &path);
+  const char *read_function;
+  const char *fuzz_target;
+  const char *extension;
+};
+
+extern const FileFormat kBmpFormat;
+extern const FileFormat kTiffFormat;
+
+// Writes a width x height RGB24 pattern image in `format`, damages it by `bad` (also storing it
+// as a seed of the format's fuzz target), reads it into a new image and expects the code of `bad`
+// and, last reported, the format's reader with the message of `bad`.
+void expect_read_failure(const FileFormat &format, uint32_t width, uint32_t height, const BadFile &bad);
 
 // Stores `bytes` as seed `name` of the fuzz target `target`.
 void write_seed(const std::string &target, const std::string &name, const Bytes &bytes);
