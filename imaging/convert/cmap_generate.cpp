@@ -64,17 +64,21 @@ uint32_t count_strip(const ZEP_IMAGE &image) {
   const auto grey_key = [&](uint8_t value) { return uint32_t{value} >> (8 - info.grey_bits); };
   for (uint32_t line = 0; line < image.lines_this_strip; ++line) {
     const uint64_t at = stride * line;
-    const uint32_t pixels = at + row_bytes <= extent ? width : static_cast<uint32_t>(at < extent ? (extent - at) / pixel : 0);
+    const uint32_t pixels = at + row_bytes <= extent
+                                ? width
+                                : static_cast<uint32_t>(at < extent ? (extent - at) / pixel : 0);
     const uint8_t *row = image.data + at;
     for (uint32_t x = 0; x < pixels; ++x) {
       if (image.type == ZEP_Y8) {
         count(grey_key(row[x]));
       } else if (image.type == ZEP_Y16) {
-        count(grey_key(y16_to_grey(static_cast<uint16_t>(row[2 * x] | (row[2 * x + 1] << 8)), image.data_width)));
+        count(grey_key(y16_to_grey(static_cast<uint16_t>(row[2 * x] | (row[2 * x + 1] << 8)),
+                                   image.data_width)));
       } else {
         const uint8_t *p = row + 3 * x;
         count(((uint32_t{p[0]} >> (8 - info.red_bits)) << (info.green_bits + info.blue_bits)) +
-              ((uint32_t{p[1]} >> (8 - info.green_bits)) << info.blue_bits) + (uint32_t{p[2]} >> (8 - info.blue_bits)));
+              ((uint32_t{p[1]} >> (8 - info.green_bits)) << info.blue_bits) +
+              (uint32_t{p[2]} >> (8 - info.blue_bits)));
       }
     }
   }
@@ -89,13 +93,15 @@ uint8_t cell_centre(uint32_t key, uint32_t bits) {
 uint32_t histogram_to_cmap(uint32_t handle, ZEP_IMAGE &image) {
   auto &info = *static_cast<ZEP_CMAP_INFO *>(image.cmap_info);
   if (info.red_bits > 8 || info.green_bits > 8 || info.blue_bits > 8 || info.grey_bits > 8)
-    return core::report("histogram_to_cmap", ZEP_ERR_INTERNAL | 1, "more than 8 bits in one colour");
+    return core::report("histogram_to_cmap", ZEP_ERR_INTERNAL | 1,
+                        "more than 8 bits in one colour");
   const uint32_t first = image.cmap_colours - info.colours_to_add;
   const uint32_t end = std::min<uint32_t>(image.cmap_colours, ZEP_CMAP_ENTRIES);
   const uint32_t size = std::min<uint32_t>(info.histogram_size, ZEP_CMAP_HISTOGRAM_ENTRIES);
   std::vector<Entry> sorted(size);
   std::memcpy(sorted.data(), info.histogram, size * sizeof(Entry));
-  std::stable_sort(sorted.begin(), sorted.end(), [](const Entry &a, const Entry &b) { return a[1] > b[1]; });
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const Entry &a, const Entry &b) { return a[1] > b[1]; });
   uint64_t covered = 0;
   for (uint32_t e = first; e < end && e - first < size; ++e) {
     Entry &entry = sorted[e - first];
@@ -117,10 +123,12 @@ uint32_t histogram_to_cmap(uint32_t handle, ZEP_IMAGE &image) {
   const uint64_t pixels = uint64_t{image.width} * image.height;
   info.coverage = pixels == 0 ? 0 : static_cast<uint32_t>(covered * 100 / pixels);
   // Back in key order, so that entry k belongs to key k again.
-  std::stable_sort(sorted.begin(), sorted.end(), [](const Entry &a, const Entry &b) { return a[0] < b[0]; });
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](const Entry &a, const Entry &b) { return a[0] < b[0]; });
   std::memcpy(info.histogram, sorted.data(), size * sizeof(Entry));
   for (uint32_t e = first + found; e < end; ++e) {
-    if (uint32_t status = ZEP_cmap_set_RGB_colour(handle, static_cast<uint16_t>(e), 0, 0, 0); ZEP_IS_ERROR(status))
+    if (uint32_t status = ZEP_cmap_set_RGB_colour(handle, static_cast<uint16_t>(e), 0, 0, 0);
+        ZEP_IS_ERROR(status))
       return status;
   }
   return ZEP_OK;
@@ -129,7 +137,8 @@ uint32_t histogram_to_cmap(uint32_t handle, ZEP_IMAGE &image) {
 StripState g_state;
 
 uint32_t generate(uint32_t handle, uint16_t colours, uint16_t mode) {
-  if (uint32_t status = ZEP_image_check(handle); ZEP_IS_ERROR(status)) return core::report(kName, status, "Corrupt image");
+  if (uint32_t status = ZEP_image_check(handle); ZEP_IS_ERROR(status))
+    return core::report(kName, status, "Corrupt image");
   ZEP_IMAGE &image = *core::image_record(handle);
   if (image.type != ZEP_RGB24 && image.type != ZEP_Y16 && image.type != ZEP_Y8)
     return core::report(kName, ZEP_ERR_UNSUPPORTED, "Unsupported image format");
@@ -149,7 +158,9 @@ uint32_t generate(uint32_t handle, uint16_t colours, uint16_t mode) {
   if (image.cmap_info == nullptr)
     return core::report(kName, ZEP_ERR_STATE, "Colourmap information does not exist");
   const bool last = g_state.lines_done + image.lines_this_strip >= image.height;
-  if (last) image.lines_this_strip = image.height > g_state.lines_done ? image.height - g_state.lines_done : 0;
+  if (last)
+    image.lines_this_strip =
+        image.height > g_state.lines_done ? image.height - g_state.lines_done : 0;
   if (uint32_t status = count_strip(image); ZEP_IS_ERROR(status)) return status;
   if (!last) {
     g_state.lines_done += image.lines_this_strip;
@@ -164,5 +175,6 @@ uint32_t generate(uint32_t handle, uint16_t colours, uint16_t mode) {
 }  // namespace vrc::convert
 
 extern "C" uint32_t ZEP_cmap_generate(uint32_t handle, uint16_t colours, uint16_t mode) {
-  return vrc::core::api_guard(vrc::convert::kName, [&] { return vrc::convert::generate(handle, colours, mode); });
+  return vrc::core::api_guard(vrc::convert::kName,
+                              [&] { return vrc::convert::generate(handle, colours, mode); });
 }

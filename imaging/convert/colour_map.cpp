@@ -17,10 +17,10 @@ struct Rgb {
 };
 
 // The 16 named colours, in code order.
-constexpr Rgb kNamedColours[16] = {
-    {0, 0, 0},     {0, 0, 152},   {0, 152, 0},   {0, 152, 152}, {152, 0, 0},   {152, 0, 152},
-    {152, 152, 0}, {152, 152, 152}, {76, 76, 76}, {0, 0, 255},   {0, 255, 0},   {0, 255, 255},
-    {255, 0, 0},   {255, 0, 255}, {255, 255, 0}, {255, 255, 255}};
+constexpr Rgb kNamedColours[16] = {{0, 0, 0},    {0, 0, 152},   {0, 152, 0},   {0, 152, 152},
+                                   {152, 0, 0},  {152, 0, 152}, {152, 152, 0}, {152, 152, 152},
+                                   {76, 76, 76}, {0, 0, 255},   {0, 255, 0},   {0, 255, 255},
+                                   {255, 0, 0},  {255, 0, 255}, {255, 255, 0}, {255, 255, 255}};
 
 // Squares of the differences -255..255, indexed by difference + 255.
 constexpr std::array<uint32_t, 511> kSquares = [] {
@@ -178,8 +178,8 @@ uint32_t ZEP_image_is_colour(uint32_t handle) {
       return ZEP_IS_ERROR(grey) ? grey : 1 - grey;
     }
     // XRGB32 and HSI count as not colour, as they always have.
-    const bool colour = (image->type >= ZEP_RGB8 && image->type <= ZEP_CMYK32) ||
-                        image->type == ZEP_DATA16_C;
+    const bool colour =
+        (image->type >= ZEP_RGB8 && image->type <= ZEP_CMYK32) || image->type == ZEP_DATA16_C;
     return colour ? 1 : 0;
   });
 }

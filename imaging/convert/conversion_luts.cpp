@@ -54,7 +54,8 @@ uint32_t generate(uint16_t id, uint32_t handle, bool needs_map, Fill fill) {
   const char *name = kGeneratorNames[id - ZEP_LUT_RGB16_TO_PALETTED];
   const ZEP_IMAGE *image = core::image_record(handle);
   if (image == nullptr) return core::report(name, ZEP_ERR_HANDLE);
-  if (needs_map && image->cmap == nullptr) return core::report(name, ZEP_ERR_STATE, "Colourmap is NULL");
+  if (needs_map && image->cmap == nullptr)
+    return core::report(name, ZEP_ERR_STATE, "Colourmap is NULL");
   std::span<uint8_t> table;
   try {
     table = lut_allocate(id, lut_bytes(id, *image));
@@ -71,8 +72,8 @@ void fill_paletted(const ZEP_IMAGE &image, std::span<uint8_t> table, ColourOf co
   const uint32_t colours = searched_entries(image);
   for (size_t i = 0; i < table.size(); ++i) {
     const Rgb16 c = colour_of(static_cast<uint32_t>(i));
-    table[i] = closest_index(image.cmap, colours, static_cast<uint8_t>(c.r), static_cast<uint8_t>(c.g),
-                             static_cast<uint8_t>(c.b));
+    table[i] = closest_index(image.cmap, colours, static_cast<uint8_t>(c.r),
+                             static_cast<uint8_t>(c.g), static_cast<uint8_t>(c.b));
   }
 }
 
@@ -102,7 +103,8 @@ size_t lut_bytes(uint16_t id, const ZEP_IMAGE &image) {
   switch (id) {
     case ZEP_LUT_RGB16_TO_PALETTED: return 65536;
     case ZEP_LUT_Y8_TO_PALETTED: return 256;
-    case ZEP_LUT_Y16_TO_PALETTED: return size_t{1} << (image.data_width <= 16 ? image.data_width : 16);
+    case ZEP_LUT_Y16_TO_PALETTED:
+      return size_t{1} << (image.data_width <= 16 ? image.data_width : 16);
     case ZEP_LUT_YUV422_TO_RGB16:
     case ZEP_LUT_YUV422_TO_RGB15: return 2 * kYuvTableEntries;
     default: return 32768;
@@ -140,53 +142,60 @@ using namespace vrc::convert;
 extern "C" {
 
 uint32_t ZEP_generate_RGB16_to_paletted_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_RGB16_TO_PALETTED, handle, true, [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
-    fill_paletted(image, table, [](uint32_t v) {
-      uint8_t rgb[3];
-      const uint8_t word[2] = {static_cast<uint8_t>(v), static_cast<uint8_t>(v >> 8)};
-      read_rgb_row(ZEP_RGB16, word, 1, {}, 0, rgb);
-      return Rgb16{rgb[0], rgb[1], rgb[2]};
-    });
-  });
+  return generate(
+      ZEP_LUT_RGB16_TO_PALETTED, handle, true,
+      [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
+        fill_paletted(image, table, [](uint32_t v) {
+          uint8_t rgb[3];
+          const uint8_t word[2] = {static_cast<uint8_t>(v), static_cast<uint8_t>(v >> 8)};
+          read_rgb_row(ZEP_RGB16, word, 1, {}, 0, rgb);
+          return Rgb16{rgb[0], rgb[1], rgb[2]};
+        });
+      });
 }
 
 uint32_t ZEP_generate_Y8_to_paletted_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_Y8_TO_PALETTED, handle, true, [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
-    fill_paletted(image, table, [](uint32_t v) { return Rgb16{int(v), int(v), int(v)}; });
-  });
+  return generate(
+      ZEP_LUT_Y8_TO_PALETTED, handle, true, [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
+        fill_paletted(image, table, [](uint32_t v) { return Rgb16{int(v), int(v), int(v)}; });
+      });
 }
 
 uint32_t ZEP_generate_Y16_to_paletted_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_Y16_TO_PALETTED, handle, true, [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
-    const uint32_t data_width = image.data_width;
-    fill_paletted(image, table, [data_width](uint32_t s) {
-      const int grey = y16_to_grey(static_cast<uint16_t>(s), data_width);
-      return Rgb16{grey, grey, grey};
-    });
-  });
+  return generate(ZEP_LUT_Y16_TO_PALETTED, handle, true,
+                  [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
+                    const uint32_t data_width = image.data_width;
+                    fill_paletted(image, table, [data_width](uint32_t s) {
+                      const int grey = y16_to_grey(static_cast<uint16_t>(s), data_width);
+                      return Rgb16{grey, grey, grey};
+                    });
+                  });
 }
 
 uint32_t ZEP_generate_YUV422_to_RGB16_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_YUV422_TO_RGB16, handle, false, [](const ZEP_IMAGE &, std::span<uint8_t> table) {
-    fill_yuv_to_16bit(table, [](int r, int g, int b) { return pack_rgb16(r, g, b); });
-  });
+  return generate(
+      ZEP_LUT_YUV422_TO_RGB16, handle, false, [](const ZEP_IMAGE &, std::span<uint8_t> table) {
+        fill_yuv_to_16bit(table, [](int r, int g, int b) { return pack_rgb16(r, g, b); });
+      });
 }
 
 uint32_t ZEP_generate_YUV422_to_RGB15_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_YUV422_TO_RGB15, handle, false, [](const ZEP_IMAGE &, std::span<uint8_t> table) {
-    fill_yuv_to_16bit(table, [](int r, int g, int b) { return pack_rgb15(r, g, b); });
-  });
+  return generate(
+      ZEP_LUT_YUV422_TO_RGB15, handle, false, [](const ZEP_IMAGE &, std::span<uint8_t> table) {
+        fill_yuv_to_16bit(table, [](int r, int g, int b) { return pack_rgb15(r, g, b); });
+      });
 }
 
 uint32_t ZEP_generate_YUV422_to_paletted_LUT(uint32_t handle) {
-  return generate(ZEP_LUT_YUV422_TO_PALETTED, handle, true, [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
-    fill_paletted(image, table, [](uint32_t i) {
-      const int y = static_cast<int>((i >> 7) & 248);
-      const int u = static_cast<int>((i >> 2) & 248);
-      const int v = static_cast<int>((i & 31) * 8);
-      return yuv_to_rgb(y, u - 128, v - 128);
-    });
-  });
+  return generate(ZEP_LUT_YUV422_TO_PALETTED, handle, true,
+                  [](const ZEP_IMAGE &image, std::span<uint8_t> table) {
+                    fill_paletted(image, table, [](uint32_t i) {
+                      const int y = static_cast<int>((i >> 7) & 248);
+                      const int u = static_cast<int>((i >> 2) & 248);
+                      const int v = static_cast<int>((i & 31) * 8);
+                      return yuv_to_rgb(y, u - 128, v - 128);
+                    });
+                  });
 }
 
 uint32_t ZEP_destroy_RGB16_to_paletted_LUT(void) { return destroy(ZEP_LUT_RGB16_TO_PALETTED); }
@@ -198,7 +207,8 @@ uint32_t ZEP_destroy_YUV422_to_paletted_LUT(void) { return destroy(ZEP_LUT_YUV42
 
 uint32_t ZEP_image_conv_LUT_generate(uint32_t handle, uint16_t id) {
   return core::api_guard("ZEP_image_conv_LUT_generate", [&]() -> uint32_t {
-    if (core::image_record(handle) == nullptr) return core::report("ZEP_image_conv_LUT_generate", ZEP_ERR_HANDLE);
+    if (core::image_record(handle) == nullptr)
+      return core::report("ZEP_image_conv_LUT_generate", ZEP_ERR_HANDLE);
     switch (id) {
       case ZEP_LUT_RGB16_TO_PALETTED: return ZEP_generate_RGB16_to_paletted_LUT(handle);
       case ZEP_LUT_Y8_TO_PALETTED: return ZEP_generate_Y8_to_paletted_LUT(handle);

@@ -13,17 +13,15 @@
 namespace vrc::convert {
 namespace {
 
-constexpr uint16_t kDirectSources[] = {
-    ZEP_Y8,     ZEP_Y16,    ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24,
-    ZEP_BGR24,  ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
-constexpr uint16_t kRgb24Sources[] = {
-    ZEP_RGB15, ZEP_RGB16, ZEP_BGR24, ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_Y16, ZEP_Y8};
-constexpr uint16_t kY16Sources[] = {
-    ZEP_Y8,    ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24, ZEP_BGR24,
-    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
-constexpr uint16_t kAnyColourSources[] = {
-    ZEP_PALETTED, ZEP_Y8,     ZEP_Y16,    ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24,
-    ZEP_BGR24,    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
+constexpr uint16_t kDirectSources[] = {ZEP_Y8,    ZEP_Y16,    ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24,
+                                       ZEP_BGR24, ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
+constexpr uint16_t kRgb24Sources[] = {ZEP_RGB15,  ZEP_RGB16,  ZEP_BGR24, ZEP_RGBX32,
+                                      ZEP_BGRX32, ZEP_XBGR32, ZEP_Y16,   ZEP_Y8};
+constexpr uint16_t kY16Sources[] = {ZEP_Y8,     ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24, ZEP_BGR24,
+                                    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32, ZEP_XRGB32};
+constexpr uint16_t kAnyColourSources[] = {ZEP_PALETTED, ZEP_Y8,     ZEP_Y16,   ZEP_RGB15,
+                                          ZEP_RGB16,    ZEP_RGB24,  ZEP_BGR24, ZEP_RGBX32,
+                                          ZEP_BGRX32,   ZEP_XBGR32, ZEP_XRGB32};
 
 // Runs `write(rgb_row, dst_row, line)` on every row after reading the source row into triples.
 template <typename Write>
@@ -43,13 +41,16 @@ uint32_t direct_worker(const StripJob &job) {
   const uint16_t out = job.dst.type;
   const uint32_t width = job.src.width;
   RowLayout layout = padded_layout(job, pixel_bytes(in), pixel_bytes(out));
-  if (out == ZEP_RGB15 || out == ZEP_RGB16) layout.dst_stride = 2 * width + (job.dst.skip_bytes & ~1u);
+  if (out == ZEP_RGB15 || out == ZEP_RGB16)
+    layout.dst_stride = 2 * width + (job.dst.skip_bytes & ~1u);
   if (in == ZEP_RGB15 && out == ZEP_RGB16) {
-    for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) { rgb15_to_rgb16_row(s, width, d); });
+    for_each_row(job, layout,
+                 [&](const uint8_t *s, uint8_t *d, uint32_t) { rgb15_to_rgb16_row(s, width, d); });
     return ZEP_OK;
   }
   if (in == ZEP_RGB16 && out == ZEP_RGB15) {
-    for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) { rgb16_to_rgb15_row(s, width, d); });
+    for_each_row(job, layout,
+                 [&](const uint8_t *s, uint8_t *d, uint32_t) { rgb16_to_rgb15_row(s, width, d); });
     return ZEP_OK;
   }
   return through_rgb(job, layout, [&](const uint8_t *rgb, uint8_t *dst_row, uint32_t) {
@@ -62,7 +63,8 @@ uint32_t y16_worker(const StripJob &job) {
   const uint32_t width = job.src.width;
   const uint32_t data_width = job.dst.data_width;
   const auto sample_of = [data_width](uint8_t grey) {
-    return static_cast<uint16_t>(data_width >= 8 ? grey << (data_width - 8) : grey >> (8 - data_width));
+    return static_cast<uint16_t>(data_width >= 8 ? grey << (data_width - 8)
+                                                 : grey >> (8 - data_width));
   };
   const auto put = [](uint8_t *p, uint16_t v) {
     p[0] = static_cast<uint8_t>(v);
@@ -139,13 +141,13 @@ uint32_t rgb8_worker(const StripJob &job) {
 }  // namespace vrc::convert
 
 // Each member: its state, its table entry, and its C entry point.
-#define VRC_DIRECT_MEMBER(NAME, TYPE, SOURCES, WORKER, CHECK)                                    \
-  extern "C" uint32_t NAME(uint32_t src, uint32_t dst, uint16_t mode) {                          \
-    using namespace vrc::convert;                                                                \
-    static StripState state;                                                                     \
-    static const Member member{#NAME, #NAME "_1_strip", TYPE, SOURCES, WORKER, "Corrupt image", \
-                               nullptr, CHECK};                                                  \
-    return run_member(member, state, src, dst, mode);                                            \
+#define VRC_DIRECT_MEMBER(NAME, TYPE, SOURCES, WORKER, CHECK)              \
+  extern "C" uint32_t NAME(uint32_t src, uint32_t dst, uint16_t mode) {    \
+    using namespace vrc::convert;                                          \
+    static StripState state;                                               \
+    static const Member member{#NAME,  #NAME "_1_strip", TYPE,    SOURCES, \
+                               WORKER, "Corrupt image",  nullptr, CHECK};  \
+    return run_member(member, state, src, dst, mode);                      \
   }
 
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB24, ZEP_RGB24, kRgb24Sources, direct_worker, nullptr)
@@ -157,7 +159,9 @@ VRC_DIRECT_MEMBER(ZEP_convert_to_XRGB32, ZEP_XRGB32, kDirectSources, direct_work
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB15, ZEP_RGB15, kDirectSources, direct_worker, nullptr)
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB16, ZEP_RGB16, kDirectSources, direct_worker, nullptr)
 VRC_DIRECT_MEMBER(ZEP_convert_to_Y16, ZEP_Y16, kY16Sources, y16_worker, nullptr)
-VRC_DIRECT_MEMBER(ZEP_convert_to_CMYK32, ZEP_CMYK32, kAnyColourSources, cmyk_worker, paletted_needs_map)
-VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8, ZEP_RGB8, kAnyColourSources, rgb8_worker<false>, paletted_needs_map)
+VRC_DIRECT_MEMBER(ZEP_convert_to_CMYK32, ZEP_CMYK32, kAnyColourSources, cmyk_worker,
+                  paletted_needs_map)
+VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8, ZEP_RGB8, kAnyColourSources, rgb8_worker<false>,
+                  paletted_needs_map)
 VRC_DIRECT_MEMBER(ZEP_convert_to_RGB8_dither, ZEP_RGB8, kAnyColourSources, rgb8_worker<true>,
                   paletted_needs_map)

@@ -60,7 +60,8 @@ const Route *find_route(const Route (&routes)[N], uint16_t out_type) {
 MemberFn choose_member(const ZEP_IMAGE *source, uint16_t out_type, uint32_t dst_flags) {
   if (out_type == ZEP_PALETTED_TO_DIRECT) return ZEP_paletted_to_RGB24_or_Y8;
   const bool yuv422 = source != nullptr && source->type == ZEP_YUV422;
-  const Route *route = yuv422 ? find_route(kYuv422Routes, out_type) : find_route(kGeneralRoutes, out_type);
+  const Route *route =
+      yuv422 ? find_route(kYuv422Routes, out_type) : find_route(kGeneralRoutes, out_type);
   if (route == nullptr) return nullptr;
   return (dst_flags & ZEP_FLAG_USE_LUT) && route->with_lut ? route->with_lut : route->direct;
 }
@@ -76,7 +77,8 @@ extern "C" uint32_t ZEP_image_convert(uint32_t src, uint32_t dst, uint16_t out_t
       return core::report("ZEP_image_convert", ZEP_ERR_HANDLE, "Output image does not exist");
     destination->flags = dst_flags;
     if (dst_flags & ZEP_FLAG_DITHER)
-      return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED, "Dithering is not yet supported");
+      return core::report("ZEP_image_convert", ZEP_ERR_UNSUPPORTED,
+                          "Dithering is not yet supported");
     if (dst_flags & ZEP_FLAG_DIB) return ZEP_convert_to_DIB_w31(src, dst, dst_flags, mode);
     const MemberFn member = choose_member(core::image_record(src), out_type, dst_flags);
     if (member == nullptr)

@@ -11,7 +11,7 @@
 namespace vrc::convert {
 namespace {
 
-constexpr uint16_t kY8Sources[] = {ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24, ZEP_BGR24, ZEP_RGBX32,
+constexpr uint16_t kY8Sources[] = {ZEP_RGB15,  ZEP_RGB16,  ZEP_RGB24,  ZEP_BGR24, ZEP_RGBX32,
                                    ZEP_BGRX32, ZEP_XBGR32, ZEP_YUV422, ZEP_Y16};
 
 uint32_t y16_data_width(const char *member_name, const ZEP_IMAGE &src) {
@@ -79,7 +79,8 @@ uint32_t y8_worker(const StripJob &job) {
   const uint32_t width = job.src.width;
   const uint32_t odd = width & 1;
   const uint32_t src_row_bytes = width * pixel_bytes(type);
-  const RowLayout layout{src_row_bytes + odd * odd_width_skip(type), src_row_bytes, width + odd, width};
+  const RowLayout layout{src_row_bytes + odd * odd_width_skip(type), src_row_bytes, width + odd,
+                         width};
   if (type == ZEP_Y16) {
     const uint32_t shift = job.src.data_width - 8;
     for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) {
@@ -98,7 +99,13 @@ uint32_t y8_worker(const StripJob &job) {
 extern "C" uint32_t ZEP_convert_to_Y8(uint32_t src, uint32_t dst, uint16_t mode) {
   using namespace vrc::convert;
   static StripState state;
-  static const Member member{"ZEP_convert_to_Y8", "ZEP_convert_to_Y8_1_strip", ZEP_Y8, kY8Sources,
-                             y8_worker, "Corrupt images", nullptr, y16_data_width};
+  static const Member member{"ZEP_convert_to_Y8",
+                             "ZEP_convert_to_Y8_1_strip",
+                             ZEP_Y8,
+                             kY8Sources,
+                             y8_worker,
+                             "Corrupt images",
+                             nullptr,
+                             y16_data_width};
   return run_member(member, state, src, dst, mode);
 }

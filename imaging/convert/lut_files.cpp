@@ -24,7 +24,8 @@ uint32_t check_request(const char *name, uint32_t handle, uint16_t id) {
 }
 
 uint32_t close_file(const char *name, File file) {
-  if (std::fclose(file.release()) != 0) return core::report(name, ZEP_ERR_CLOSE, "Failed to close file");
+  if (std::fclose(file.release()) != 0)
+    return core::report(name, ZEP_ERR_CLOSE, "Failed to close file");
   return ZEP_OK;
 }
 
@@ -62,7 +63,8 @@ uint32_t ZEP_image_conv_LUT_load(uint32_t handle, uint16_t id, const char *path)
     File file(path != nullptr ? std::fopen(path, "rb") : nullptr);
     if (!file) return core::report(kName, ZEP_ERR_OPEN, "Failed to open file");
     if (std::fread(table.data(), 1, table.size(), file.get()) != table.size())
-      return core::report(kName, ZEP_ERR_STATE, "Incorrect number of bytes read - correct LUT selected?");
+      return core::report(kName, ZEP_ERR_STATE,
+                          "Incorrect number of bytes read - correct LUT selected?");
     return close_file(kName, std::move(file));
   });
 }

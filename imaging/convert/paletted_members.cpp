@@ -24,8 +24,9 @@ class KeyMaker {
   KeyMaker(const ZEP_CMAP_INFO *info, bool grey) : m_info(info) {
     if (info == nullptr) return;
     const uint32_t bits = info->red_bits + info->green_bits + info->blue_bits;
-    m_usable = grey ? info->grey_bits <= 8
-                    : info->red_bits <= 8 && info->green_bits <= 8 && info->blue_bits <= 8 && bits <= 12;
+    m_usable =
+        grey ? info->grey_bits <= 8
+             : info->red_bits <= 8 && info->green_bits <= 8 && info->blue_bits <= 8 && bits <= 12;
   }
   uint32_t grey(uint8_t value) const {
     return m_usable ? value >> (8 - m_info->grey_bits) : ZEP_CMAP_NO_INDEX;
@@ -33,8 +34,8 @@ class KeyMaker {
   uint32_t rgb(uint8_t r, uint8_t g, uint8_t b) const {
     if (!m_usable) return ZEP_CMAP_NO_INDEX;
     const ZEP_CMAP_INFO &i = *m_info;
-    return ((r >> (8 - i.red_bits)) << (i.green_bits + i.blue_bits)) + ((g >> (8 - i.green_bits)) << i.blue_bits) +
-           (b >> (8 - i.blue_bits));
+    return ((r >> (8 - i.red_bits)) << (i.green_bits + i.blue_bits)) +
+           ((g >> (8 - i.green_bits)) << i.blue_bits) + (b >> (8 - i.blue_bits));
   }
   // The map index the histogram gives `key`, or ZEP_CMAP_NO_INDEX.
   uint32_t index_of(uint32_t key) const {
@@ -48,7 +49,8 @@ class KeyMaker {
 };
 
 uint32_t paletted_worker(const StripJob &job) {
-  if (job.dst.cmap == nullptr) return core::report(job.worker_name, ZEP_ERR_STATE, "Colourmap is NULL");
+  if (job.dst.cmap == nullptr)
+    return core::report(job.worker_name, ZEP_ERR_STATE, "Colourmap is NULL");
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const uint32_t odd = width & 1;
@@ -58,18 +60,20 @@ uint32_t paletted_worker(const StripJob &job) {
   const uint32_t colours = searched_entries(job.dst);
   const auto pick = [&](uint32_t key, uint8_t r, uint8_t g, uint8_t b) {
     const uint32_t index = keys.index_of(key);
-    return index != ZEP_CMAP_NO_INDEX ? static_cast<uint8_t>(index) : closest_index(job.dst.cmap, colours, r, g, b);
+    return index != ZEP_CMAP_NO_INDEX ? static_cast<uint8_t>(index)
+                                      : closest_index(job.dst.cmap, colours, r, g, b);
   };
-  for_each_row(job, {row_bytes + odd, row_bytes, width + odd, width}, [&](const uint8_t *s, uint8_t *d, uint32_t) {
-    for (uint32_t x = 0; x < width; ++x) {
-      if (grey) {
-        d[x] = pick(keys.grey(s[x]), s[x], s[x], s[x]);
-      } else {
-        const uint8_t *p = s + 3 * x;
-        d[x] = pick(keys.rgb(p[0], p[1], p[2]), p[0], p[1], p[2]);
-      }
-    }
-  });
+  for_each_row(job, {row_bytes + odd, row_bytes, width + odd, width},
+               [&](const uint8_t *s, uint8_t *d, uint32_t) {
+                 for (uint32_t x = 0; x < width; ++x) {
+                   if (grey) {
+                     d[x] = pick(keys.grey(s[x]), s[x], s[x], s[x]);
+                   } else {
+                     const uint8_t *p = s + 3 * x;
+                     d[x] = pick(keys.rgb(p[0], p[1], p[2]), p[0], p[1], p[2]);
+                   }
+                 }
+               });
   return ZEP_OK;
 }
 
@@ -79,41 +83,47 @@ uint32_t paletted_lut_worker(const StripJob &job) {
                       : type == ZEP_Y8  ? ZEP_LUT_Y8_TO_PALETTED
                                         : ZEP_LUT_Y16_TO_PALETTED;
   const std::span<const uint8_t> table = lut(id);
-  if (table.empty()) return core::report(job.worker_name, ZEP_ERR_STATE, "Conversion LUT does not exist");
+  if (table.empty())
+    return core::report(job.worker_name, ZEP_ERR_STATE, "Conversion LUT does not exist");
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const uint32_t last = static_cast<uint32_t>(table.size() - 1);
   const bool bytes = type == ZEP_Y8;
-  for_each_row(job, padded_layout(job, bytes ? 1 : 2, 1), [&](const uint8_t *s, uint8_t *d, uint32_t) {
-    for (uint32_t x = 0; x < width; ++x) {
-      const uint32_t value = bytes ? s[x] : s[2 * x] | (s[2 * x + 1] << 8);
-      d[x] = table[std::min(value, last)];
-    }
-  });
+  for_each_row(job, padded_layout(job, bytes ? 1 : 2, 1),
+               [&](const uint8_t *s, uint8_t *d, uint32_t) {
+                 for (uint32_t x = 0; x < width; ++x) {
+                   const uint32_t value = bytes ? s[x] : s[2 * x] | (s[2 * x + 1] << 8);
+                   d[x] = table[std::min(value, last)];
+                 }
+               });
   return ZEP_OK;
 }
 
 uint32_t paletted_source(const char *member_name, const ZEP_IMAGE &src) {
-  if (src.type != ZEP_PALETTED) return core::report(member_name, ZEP_ERR_UNSUPPORTED, "Input image should be paletted");
+  if (src.type != ZEP_PALETTED)
+    return core::report(member_name, ZEP_ERR_UNSUPPORTED, "Input image should be paletted");
   return paletted_needs_map(member_name, src);
 }
 
-uint16_t grey_or_colour(uint32_t src_handle) { return ZEP_cmap_is_grayscale(src_handle) == 1 ? ZEP_Y8 : ZEP_RGB24; }
+uint16_t grey_or_colour(uint32_t src_handle) {
+  return ZEP_cmap_is_grayscale(src_handle) == 1 ? ZEP_Y8 : ZEP_RGB24;
+}
 
 uint32_t paletted_to_direct_worker(const StripJob &job) {
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const bool grey = job.dst.type == ZEP_Y8;
-  for_each_row(job, padded_layout(job, 1, grey ? 1 : 3), [&](const uint8_t *s, uint8_t *d, uint32_t) {
-    for (uint32_t x = 0; x < width; ++x) {
-      const uint8_t *entry = job.src.cmap + 4 * s[x];
-      if (grey) {
-        d[x] = entry[0];
-      } else {
-        std::copy(entry, entry + 3, d + 3 * x);
-      }
-    }
-  });
+  for_each_row(job, padded_layout(job, 1, grey ? 1 : 3),
+               [&](const uint8_t *s, uint8_t *d, uint32_t) {
+                 for (uint32_t x = 0; x < width; ++x) {
+                   const uint8_t *entry = job.src.cmap + 4 * s[x];
+                   if (grey) {
+                     d[x] = entry[0];
+                   } else {
+                     std::copy(entry, entry + 3, d + 3 * x);
+                   }
+                 }
+               });
   return ZEP_OK;
 }
 
@@ -125,16 +135,16 @@ extern "C" {
 uint32_t ZEP_convert_to_paletted(uint32_t src, uint32_t dst, uint16_t mode) {
   using namespace vrc::convert;
   static StripState state;
-  static const Member member{"ZEP_convert_to_paletted", "ZEP_convert_to_paletted_1_strip", ZEP_PALETTED,
-                             kHistogramSources, paletted_worker};
+  static const Member member{"ZEP_convert_to_paletted", "ZEP_convert_to_paletted_1_strip",
+                             ZEP_PALETTED, kHistogramSources, paletted_worker};
   return run_member(member, state, src, dst, mode);
 }
 
 uint32_t ZEP_convert_to_paletted_LUT(uint32_t src, uint32_t dst, uint16_t mode) {
   using namespace vrc::convert;
   static StripState state;
-  static const Member member{"ZEP_convert_to_paletted_LUT", "ZEP_convert_to_paletted_LUT_1_strip", ZEP_PALETTED,
-                             kLutSources, paletted_lut_worker};
+  static const Member member{"ZEP_convert_to_paletted_LUT", "ZEP_convert_to_paletted_LUT_1_strip",
+                             ZEP_PALETTED, kLutSources, paletted_lut_worker};
   return run_member(member, state, src, dst, mode);
 }
 

@@ -19,7 +19,8 @@ bool simd_level_supported(SimdLevel level) {
 SimdLevel active_simd_level() {
   static const SimdLevel level = [] {
     const char *force = std::getenv("VRC_FORCE_SCALAR");
-    if (force != nullptr && std::strcmp(force, "0") != 0 && force[0] != '\0') return SimdLevel::scalar;
+    if (force != nullptr && std::strcmp(force, "0") != 0 && force[0] != '\0')
+      return SimdLevel::scalar;
     if (simd_level_supported(SimdLevel::avx2)) return SimdLevel::avx2;
     if (simd_level_supported(SimdLevel::sse2)) return SimdLevel::sse2;
     return SimdLevel::scalar;

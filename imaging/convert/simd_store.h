@@ -18,7 +18,8 @@ inline void store_12_bytes(uint8_t *out, __m128i v) {
 
 // Four pixels of bytes (c0, c1, c2, X) to 12 bytes (c0, c1, c2) with one byte shuffle.
 __attribute__((target("avx2"))) inline __m128i close_pixels_to_3_bytes(__m128i pixels) {
-  return _mm_shuffle_epi8(pixels, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
+  return _mm_shuffle_epi8(pixels,
+                          _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
 }
 
 // Both 128-bit lanes of `pixels` closed up and written one after the other (24 bytes).

@@ -4,7 +4,6 @@
 #include "imaging/convert/rgb_rows.h"
 #include "imaging/convert/strip_driver.h"
 
-
 #include <algorithm>
 #include <vector>
 
@@ -48,14 +47,21 @@ uint32_t ZEP_CK_get_YUV_values_RGB(uint8_t red, uint8_t green, uint8_t blue) {
   const int y = std::min((306 * r + 601 * g + 117 * b) >> 10, 255);
   const int u = std::clamp(((512 * b - 339 * g - 173 * r) >> 10) + 128, 0, 255);
   const int v = std::clamp(((512 * r - 429 * g - 83 * b) >> 10) + 128, 0, 255);
-  return (static_cast<uint32_t>(v) << 16) | (static_cast<uint32_t>(u) << 8) | static_cast<uint32_t>(y);
+  return (static_cast<uint32_t>(v) << 16) | (static_cast<uint32_t>(u) << 8) |
+         static_cast<uint32_t>(y);
 }
 
 uint32_t ZEP_convert_to_YUV422(uint32_t src, uint32_t dst, uint16_t mode) {
   using namespace vrc::convert;
   static StripState state;
-  static const Member member{"ZEP_convert_to_YUV422", "ZEP_convert_to_YUV422_1_strip", ZEP_YUV422,
-                             kYuv422Sources, to_yuv422_worker, "Corrupt image", nullptr, paletted_needs_map};
+  static const Member member{"ZEP_convert_to_YUV422",
+                             "ZEP_convert_to_YUV422_1_strip",
+                             ZEP_YUV422,
+                             kYuv422Sources,
+                             to_yuv422_worker,
+                             "Corrupt image",
+                             nullptr,
+                             paletted_needs_map};
   return run_member(member, state, src, dst, mode);
 }
 

@@ -15,7 +15,8 @@ namespace {
 VRC_TARGET inline __m256i gather_entries(const uint8_t *yuv, const uint8_t *table) {
   const __m128i pairs = _mm_loadu_si128(reinterpret_cast<const __m128i *>(yuv));
   // Each pair's word (Y0 | U << 8 | Y1 << 16 | V << 24) in both of its pixels' lanes.
-  const __m256i words = _mm256_permutevar8x32_epi32(_mm256_castsi128_si256(pairs), _mm256_setr_epi32(0, 0, 1, 1, 2, 2, 3, 3));
+  const __m256i words = _mm256_permutevar8x32_epi32(_mm256_castsi128_si256(pairs),
+                                                    _mm256_setr_epi32(0, 0, 1, 1, 2, 2, 3, 3));
   const __m256i y = _mm256_srlv_epi32(words, _mm256_setr_epi32(0, 16, 0, 16, 0, 16, 0, 16));
   const __m256i index = _mm256_or_si256(
       _mm256_or_si256(_mm256_and_si256(_mm256_slli_epi32(y, 11), _mm256_set1_epi32(0x7F000)),
@@ -26,8 +27,12 @@ VRC_TARGET inline __m256i gather_entries(const uint8_t *yuv, const uint8_t *tabl
 }
 
 // 5-bit and 6-bit fields widened to 8 bits by repeating their top bits.
-VRC_TARGET inline __m256i widen5(__m256i c) { return _mm256_or_si256(_mm256_slli_epi32(c, 3), _mm256_srli_epi32(c, 2)); }
-VRC_TARGET inline __m256i widen6(__m256i c) { return _mm256_or_si256(_mm256_slli_epi32(c, 2), _mm256_srli_epi32(c, 4)); }
+VRC_TARGET inline __m256i widen5(__m256i c) {
+  return _mm256_or_si256(_mm256_slli_epi32(c, 3), _mm256_srli_epi32(c, 2));
+}
+VRC_TARGET inline __m256i widen6(__m256i c) {
+  return _mm256_or_si256(_mm256_slli_epi32(c, 2), _mm256_srli_epi32(c, 4));
+}
 
 // An 8-bit component moved to byte `Byte` of its lane.
 template <int Byte>
@@ -36,7 +41,8 @@ VRC_TARGET inline __m256i place(__m256i c) {
 }
 
 template <RgbLayout Layout>
-VRC_TARGET void yuv422_lut_row_avx2(const uint8_t *yuv, uint8_t *out, uint32_t pairs, const uint8_t *table) {
+VRC_TARGET void yuv422_lut_row_avx2(const uint8_t *yuv, uint8_t *out, uint32_t pairs,
+                                    const uint8_t *table) {
   constexpr uint32_t kOutBytes = 8 * layout_bytes(Layout);
   uint32_t done = 0;
   for (; done + 4 <= pairs; done += 4, yuv += 16, out += kOutBytes) {
@@ -79,6 +85,8 @@ constexpr Yuv422LutKernel kKernels[kLayoutCount] = {
 
 }  // namespace
 
-Yuv422LutKernel yuv422_lut_kernel_avx2(RgbLayout layout) { return kKernels[static_cast<int>(layout)]; }
+Yuv422LutKernel yuv422_lut_kernel_avx2(RgbLayout layout) {
+  return kKernels[static_cast<int>(layout)];
+}
 
 }  // namespace vrc::convert

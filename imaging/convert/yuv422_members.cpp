@@ -13,8 +13,10 @@ namespace {
 constexpr uint16_t kYuv422Only[] = {ZEP_YUV422};
 
 uint32_t yuv422_source(const char *member_name, const ZEP_IMAGE &src) {
-  if (src.type != ZEP_YUV422) return core::report(member_name, ZEP_ERR_UNSUPPORTED, "Not 16 bit YUV 4:2:2");
-  if (src.width & 1) return core::report(member_name, ZEP_ERR_UNSUPPORTED, "YUV422 image must be an even width");
+  if (src.type != ZEP_YUV422)
+    return core::report(member_name, ZEP_ERR_UNSUPPORTED, "Not 16 bit YUV 4:2:2");
+  if (src.width & 1)
+    return core::report(member_name, ZEP_ERR_UNSUPPORTED, "YUV422 image must be an even width");
   return ZEP_OK;
 }
 
@@ -46,12 +48,13 @@ uint32_t colour_worker(const StripJob &job) {
 
 template <RgbLayout Layout>
 uint32_t colour_lut_worker(const StripJob &job) {
-  const std::span<const uint8_t> table =
-      needed_lut(job, Layout == RgbLayout::rgb15 ? ZEP_LUT_YUV422_TO_RGB15 : ZEP_LUT_YUV422_TO_RGB16);
+  const std::span<const uint8_t> table = needed_lut(
+      job, Layout == RgbLayout::rgb15 ? ZEP_LUT_YUV422_TO_RGB15 : ZEP_LUT_YUV422_TO_RGB16);
   if (table.empty()) return ZEP_ERR_STATE;
   const Yuv422LutKernel kernel = yuv422_lut_kernel(Layout, active_simd_level());
-  return walk_pairs(job, layout_bytes(Layout),
-                    [&](const uint8_t *s, uint8_t *d, uint32_t pairs) { kernel(s, d, pairs, table.data()); });
+  return walk_pairs(job, layout_bytes(Layout), [&](const uint8_t *s, uint8_t *d, uint32_t pairs) {
+    kernel(s, d, pairs, table.data());
+  });
 }
 
 uint32_t y8_worker(const StripJob &job) {
@@ -64,7 +67,8 @@ uint32_t y16_worker(const StripJob &job) {
   const uint32_t data_width = job.dst.data_width;
   return walk_pairs(job, 2, [data_width](const uint8_t *s, uint8_t *d, uint32_t pairs) {
     for (uint32_t x = 0; x < 2 * pairs; ++x) {
-      const uint32_t sample = data_width >= 8 ? s[2 * x] << (data_width - 8) : s[2 * x] >> (8 - data_width);
+      const uint32_t sample =
+          data_width >= 8 ? s[2 * x] << (data_width - 8) : s[2 * x] >> (8 - data_width);
       d[2 * x] = static_cast<uint8_t>(sample);
       d[2 * x + 1] = static_cast<uint8_t>(sample >> 8);
     }
@@ -89,13 +93,13 @@ uint32_t hsi_worker(const StripJob &job) { return walk_pairs(job, 4, yuv422_to_h
 }  // namespace vrc::convert
 
 // Each member: its state, its table entry, and its C entry point.
-#define VRC_YUV422_MEMBER(NAME, TYPE, WORKER)                                                          \
-  extern "C" uint32_t NAME(uint32_t src, uint32_t dst, uint16_t mode) {                                \
-    using namespace vrc::convert;                                                                      \
-    static StripState state;                                                                           \
-    static const Member member{#NAME, #NAME "_1_strip", TYPE, kYuv422Only, WORKER, "Corrupt image", \
-                               yuv422_source};                                                         \
-    return run_member(member, state, src, dst, mode);                                                  \
+#define VRC_YUV422_MEMBER(NAME, TYPE, WORKER)                                       \
+  extern "C" uint32_t NAME(uint32_t src, uint32_t dst, uint16_t mode) {             \
+    using namespace vrc::convert;                                                   \
+    static StripState state;                                                        \
+    static const Member member{#NAME,  #NAME "_1_strip", TYPE,         kYuv422Only, \
+                               WORKER, "Corrupt image",  yuv422_source};            \
+    return run_member(member, state, src, dst, mode);                               \
   }
 
 VRC_YUV422_MEMBER(ZEP_YUV422_to_Y8, ZEP_Y8, y8_worker)

@@ -9,7 +9,8 @@ namespace {
 
 template <RgbLayout Layout>
 void store_pixel(uint8_t *p, Rgb16 c) {
-  const auto r = static_cast<uint8_t>(c.r), g = static_cast<uint8_t>(c.g), b = static_cast<uint8_t>(c.b);
+  const auto r = static_cast<uint8_t>(c.r), g = static_cast<uint8_t>(c.g),
+             b = static_cast<uint8_t>(c.b);
   if constexpr (Layout == RgbLayout::rgb24) {
     p[0] = r, p[1] = g, p[2] = b;
   } else if constexpr (Layout == RgbLayout::bgr24) {
@@ -42,11 +43,11 @@ void yuv422_row_scalar(const uint8_t *yuv, uint8_t *out, uint32_t pairs) {
   }
 }
 
-constexpr Yuv422Kernels kScalarKernels = {{
-    yuv422_row_scalar<RgbLayout::rgb24>, yuv422_row_scalar<RgbLayout::bgr24>,
-    yuv422_row_scalar<RgbLayout::rgbx32>, yuv422_row_scalar<RgbLayout::bgrx32>,
-    yuv422_row_scalar<RgbLayout::xbgr32>, yuv422_row_scalar<RgbLayout::xrgb32>,
-    yuv422_row_scalar<RgbLayout::rgb16>, yuv422_row_scalar<RgbLayout::rgb15>}};
+constexpr Yuv422Kernels kScalarKernels = {
+    {yuv422_row_scalar<RgbLayout::rgb24>, yuv422_row_scalar<RgbLayout::bgr24>,
+     yuv422_row_scalar<RgbLayout::rgbx32>, yuv422_row_scalar<RgbLayout::bgrx32>,
+     yuv422_row_scalar<RgbLayout::xbgr32>, yuv422_row_scalar<RgbLayout::xrgb32>,
+     yuv422_row_scalar<RgbLayout::rgb16>, yuv422_row_scalar<RgbLayout::rgb15>}};
 
 template <RgbLayout Layout>
 void yuv422_lut_row(const uint8_t *yuv, uint8_t *out, uint32_t pairs, const uint8_t *table) {
@@ -62,16 +63,18 @@ void yuv422_lut_row(const uint8_t *yuv, uint8_t *out, uint32_t pairs, const uint
       } else {
         const uint32_t v = entry[0] | (entry[1] << 8);
         const uint32_t r = v >> 11, g = (v >> 5) & 63, b = v & 31;
-        store_pixel<Layout>(p, {static_cast<int>((r << 3) | (r >> 2)), static_cast<int>((g << 2) | (g >> 4)),
-                                static_cast<int>((b << 3) | (b >> 2))});
+        store_pixel<Layout>(
+            p, {static_cast<int>((r << 3) | (r >> 2)), static_cast<int>((g << 2) | (g >> 4)),
+                static_cast<int>((b << 3) | (b >> 2))});
       }
     }
   }
 }
 
 constexpr Yuv422LutKernel kLutKernels[kLayoutCount] = {
-    yuv422_lut_row<RgbLayout::rgb24>,  yuv422_lut_row<RgbLayout::bgr24>,  yuv422_lut_row<RgbLayout::rgbx32>,
-    yuv422_lut_row<RgbLayout::bgrx32>, yuv422_lut_row<RgbLayout::xbgr32>, yuv422_lut_row<RgbLayout::xrgb32>,
+    yuv422_lut_row<RgbLayout::rgb24>,  yuv422_lut_row<RgbLayout::bgr24>,
+    yuv422_lut_row<RgbLayout::rgbx32>, yuv422_lut_row<RgbLayout::bgrx32>,
+    yuv422_lut_row<RgbLayout::xbgr32>, yuv422_lut_row<RgbLayout::xrgb32>,
     yuv422_lut_row<RgbLayout::rgb16>,  yuv422_lut_row<RgbLayout::rgb15>};
 
 void store_hsi(uint8_t *p, Rgb16 c) {
@@ -99,7 +102,8 @@ void store_hsi(uint8_t *p, Rgb16 c) {
 }  // namespace
 
 Yuv422LutKernel yuv422_lut_kernel(RgbLayout layout, SimdLevel level) {
-  return level == SimdLevel::avx2 ? yuv422_lut_kernel_avx2(layout) : kLutKernels[static_cast<int>(layout)];
+  return level == SimdLevel::avx2 ? yuv422_lut_kernel_avx2(layout)
+                                  : kLutKernels[static_cast<int>(layout)];
 }
 
 void yuv422_to_hsi_row(const uint8_t *yuv, uint8_t *out, uint32_t pairs) {

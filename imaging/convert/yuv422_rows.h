@@ -38,10 +38,11 @@ const Yuv422Kernels &yuv422_kernels_sse2();
 const Yuv422Kernels &yuv422_kernels_avx2();
 
 // Table-driven colour kernels: each pixel's RGB16 (or RGB15) value is read from `table`, a
-// 2^19-entry table of 16-bit little-endian values indexed by (Y >> 1) << 12 | (U >> 2) << 6 | V >> 2,
-// with 2 readable bytes past its end. The 16-bit layouts copy the value; the 24/32-bit layouts
+// 2^19-entry table of 16-bit little-endian values indexed by (Y >> 1) << 12 | (U >> 2) << 6 | V >>
+// 2, with 2 readable bytes past its end. The 16-bit layouts copy the value; the 24/32-bit layouts
 // widen the 5-6-5 value to 8 bits. Levels: scalar and AVX2 (SSE2 uses the scalar kernels).
-using Yuv422LutKernel = void (*)(const uint8_t *yuv, uint8_t *out, uint32_t pairs, const uint8_t *table);
+using Yuv422LutKernel = void (*)(const uint8_t *yuv, uint8_t *out, uint32_t pairs,
+                                 const uint8_t *table);
 Yuv422LutKernel yuv422_lut_kernel(RgbLayout layout, SimdLevel level);
 Yuv422LutKernel yuv422_lut_kernel_avx2(RgbLayout layout);
 

@@ -13,9 +13,10 @@ namespace vrc::convert {
 inline void store_rgb24_from_rgbx(uint8_t *out, __m128i rgbx) {
   const __m128i low3 = _mm_set1_epi64x(0x0000000000FFFFFF);
   const __m128i high3 = _mm_set1_epi64x(0x0000FFFFFF000000);
-  const __m128i halves = _mm_or_si128(_mm_and_si128(rgbx, low3), _mm_and_si128(_mm_srli_epi64(rgbx, 8), high3));
-  const __m128i joined =
-      _mm_or_si128(_mm_move_epi64(halves), _mm_srli_si128(_mm_unpackhi_epi64(_mm_setzero_si128(), halves), 2));
+  const __m128i halves =
+      _mm_or_si128(_mm_and_si128(rgbx, low3), _mm_and_si128(_mm_srli_epi64(rgbx, 8), high3));
+  const __m128i joined = _mm_or_si128(
+      _mm_move_epi64(halves), _mm_srli_si128(_mm_unpackhi_epi64(_mm_setzero_si128(), halves), 2));
   store_12_bytes(out, joined);
 }
 
@@ -35,17 +36,34 @@ inline V mulhi16(V a, V b) { return _mm_mulhi_epi16(a, b); }
 inline V madd16(V a, V b) { return _mm_madd_epi16(a, b); }
 inline V min16(V a, V b) { return _mm_min_epi16(a, b); }
 inline V max16(V a, V b) { return _mm_max_epi16(a, b); }
-template <int N> V srli16(V a) { return _mm_srli_epi16(a, N); }
-template <int N> V slli16(V a) { return _mm_slli_epi16(a, N); }
-template <int N> V srli32(V a) { return _mm_srli_epi32(a, N); }
-template <int N> V slli32(V a) { return _mm_slli_epi32(a, N); }
-template <int N> V srai32(V a) { return _mm_srai_epi32(a, N); }
+template <int N>
+V srli16(V a) {
+  return _mm_srli_epi16(a, N);
+}
+template <int N>
+V slli16(V a) {
+  return _mm_slli_epi16(a, N);
+}
+template <int N>
+V srli32(V a) {
+  return _mm_srli_epi32(a, N);
+}
+template <int N>
+V slli32(V a) {
+  return _mm_slli_epi32(a, N);
+}
+template <int N>
+V srai32(V a) {
+  return _mm_srai_epi32(a, N);
+}
 
 inline V duplicate_even16(V a) {
-  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(2, 2, 0, 0)), _MM_SHUFFLE(2, 2, 0, 0));
+  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(2, 2, 0, 0)),
+                             _MM_SHUFFLE(2, 2, 0, 0));
 }
 inline V duplicate_odd16(V a) {
-  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(3, 3, 1, 1)), _MM_SHUFFLE(3, 3, 1, 1));
+  return _mm_shufflehi_epi16(_mm_shufflelo_epi16(a, _MM_SHUFFLE(3, 3, 1, 1)),
+                             _MM_SHUFFLE(3, 3, 1, 1));
 }
 
 template <RgbLayout>
@@ -53,7 +71,9 @@ V load_pixels(const uint8_t *p) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
 }
 
-inline void store_words16(uint8_t *out, V words) { _mm_storeu_si128(reinterpret_cast<__m128i *>(out), words); }
+inline void store_words16(uint8_t *out, V words) {
+  _mm_storeu_si128(reinterpret_cast<__m128i *>(out), words);
+}
 
 // Pixels of bytes c0, c1, c2, c3 (16-bit lanes, clamped to 0..255 by the saturating packs).
 template <RgbLayout Layout>
@@ -83,7 +103,9 @@ namespace avx2 {
 using V = __m256i;
 #define VRC_TARGET __attribute__((target("avx2")))
 
-VRC_TARGET inline V load(const uint8_t *p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p)); }
+VRC_TARGET inline V load(const uint8_t *p) {
+  return _mm256_loadu_si256(reinterpret_cast<const __m256i *>(p));
+}
 VRC_TARGET inline V set16(int16_t v) { return _mm256_set1_epi16(v); }
 VRC_TARGET inline V set32(int32_t v) { return _mm256_set1_epi32(v); }
 VRC_TARGET inline V and16(V a, V b) { return _mm256_and_si256(a, b); }
@@ -94,19 +116,36 @@ VRC_TARGET inline V mulhi16(V a, V b) { return _mm256_mulhi_epi16(a, b); }
 VRC_TARGET inline V madd16(V a, V b) { return _mm256_madd_epi16(a, b); }
 VRC_TARGET inline V min16(V a, V b) { return _mm256_min_epi16(a, b); }
 VRC_TARGET inline V max16(V a, V b) { return _mm256_max_epi16(a, b); }
-template <int N> VRC_TARGET V srli16(V a) { return _mm256_srli_epi16(a, N); }
-template <int N> VRC_TARGET V slli16(V a) { return _mm256_slli_epi16(a, N); }
-template <int N> VRC_TARGET V srli32(V a) { return _mm256_srli_epi32(a, N); }
-template <int N> VRC_TARGET V slli32(V a) { return _mm256_slli_epi32(a, N); }
-template <int N> VRC_TARGET V srai32(V a) { return _mm256_srai_epi32(a, N); }
+template <int N>
+VRC_TARGET V srli16(V a) {
+  return _mm256_srli_epi16(a, N);
+}
+template <int N>
+VRC_TARGET V slli16(V a) {
+  return _mm256_slli_epi16(a, N);
+}
+template <int N>
+VRC_TARGET V srli32(V a) {
+  return _mm256_srli_epi32(a, N);
+}
+template <int N>
+VRC_TARGET V slli32(V a) {
+  return _mm256_slli_epi32(a, N);
+}
+template <int N>
+VRC_TARGET V srai32(V a) {
+  return _mm256_srai_epi32(a, N);
+}
 
 VRC_TARGET inline V duplicate_even16(V a) {
-  return _mm256_shuffle_epi8(a, _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13,  //
-                                                 0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
+  return _mm256_shuffle_epi8(
+      a, _mm256_setr_epi8(0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13,  //
+                          0, 1, 0, 1, 4, 5, 4, 5, 8, 9, 8, 9, 12, 13, 12, 13));
 }
 VRC_TARGET inline V duplicate_odd16(V a) {
-  return _mm256_shuffle_epi8(a, _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15,  //
-                                                 2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
+  return _mm256_shuffle_epi8(
+      a, _mm256_setr_epi8(2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15,  //
+                          2, 3, 2, 3, 6, 7, 6, 7, 10, 11, 10, 11, 14, 15, 14, 15));
 }
 
 // Sixteen pixels. For the byte layouts the 8-byte quarters are reordered (pixels 0-3, 8-11 |

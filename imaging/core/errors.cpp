@@ -7,8 +7,8 @@
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
 
-#include <atomic>
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <cstring>
 
@@ -112,7 +112,8 @@ uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t c
 
 uint32_t ZEP_ErrHandlerInstall(ZEP_ERR_HANDLER handler) {
   vrc::core::LibraryLock lock;
-  __atomic_store_n(&vrc::core::error_table()[ZEP_LIBRARY_NUMBER].handler, handler, __ATOMIC_RELEASE);
+  __atomic_store_n(&vrc::core::error_table()[ZEP_LIBRARY_NUMBER].handler, handler,
+                   __ATOMIC_RELEASE);
   return 0;
 }
 
@@ -126,7 +127,8 @@ uint32_t ZEP_ErrHandlerDefault(uint32_t library, const char *function_name, uint
   entry.last_zep_code = code;
 
   ReportText text;
-  text.append("\n%s:  Failed with ZEP error code 0x%08x.\n", function_name ? function_name : "", code);
+  text.append("\n%s:  Failed with ZEP error code 0x%08x.\n", function_name ? function_name : "",
+              code);
   text.append("%s", class_text(code));
   if (message != nullptr && message[0] != '\0') text.append("\n\n\"%s\"\n", message);
   if (entry.other_code != 0) {

@@ -31,16 +31,26 @@ const DepthRule *depth_rule(uint16_t type) {
     case ZEP_Y8: return &kY8;
     case ZEP_RGB8: return &kRgb8;
     case ZEP_RGB15: return &kRgb15;
-    case ZEP_RGB16: case ZEP_YUV422: case ZEP_DATA16_A: case ZEP_DATA16_C: return &kDepth16;
-    case ZEP_RGB24: case ZEP_BGR24: return &kDepth24;
-    case ZEP_RGBX32: case ZEP_BGRX32: case ZEP_XBGR32: case ZEP_CMYK32: case ZEP_XRGB32:
-    case ZEP_DATA32: case ZEP_HSI:
-      return &kDepth32;
+    case ZEP_RGB16:
+    case ZEP_YUV422:
+    case ZEP_DATA16_A:
+    case ZEP_DATA16_C: return &kDepth16;
+    case ZEP_RGB24:
+    case ZEP_BGR24: return &kDepth24;
+    case ZEP_RGBX32:
+    case ZEP_BGRX32:
+    case ZEP_XBGR32:
+    case ZEP_CMYK32:
+    case ZEP_XRGB32:
+    case ZEP_DATA32:
+    case ZEP_HSI: return &kDepth32;
     default: return nullptr;
   }
 }
 
-uint32_t fail(uint32_t code, const char *message) { return vrc::core::report(kCheck, code, message); }
+uint32_t fail(uint32_t code, const char *message) {
+  return vrc::core::report(kCheck, code, message);
+}
 
 // The tests of the types with more than a depth test; 0 when the record passes.
 uint32_t check_special_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
@@ -72,14 +82,14 @@ uint32_t check_special_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
       if (image.depth != 16) return fail(0x10050006, "Depth not 16");
       bytes_per_line = uint64_t{image.width} * 4;
       return 0;
-    default:
-      return fail(0x10050010, "Unrecognised image");
+    default: return fail(0x10050010, "Unrecognised image");
   }
 }
 
 // The per-type tests, first failing test deciding; 0 when the record passes.
 uint32_t check_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
-  if (image.type == ZEP_NONE || image.type >= ZEP_TYPE_LIMIT) return fail(0x10050010, "Unrecognised image");
+  if (image.type == ZEP_NONE || image.type >= ZEP_TYPE_LIMIT)
+    return fail(0x10050010, "Unrecognised image");
   const DepthRule *rule = depth_rule(image.type);
   if (rule == nullptr) return check_special_type(image, bytes_per_line);
   if (image.depth != rule->depth) return fail(rule->code, rule->message);
@@ -135,7 +145,8 @@ uint32_t ZEP_image_calc_total_strips(uint32_t handle) {
   ZEP_IMAGE *image = vrc::core::record_or_report(handle, "ZEP_image_calc_total_strips");
   if (image == nullptr) return ZEP_ERR_HANDLE;
   if (image->lines_this_strip == 0) return 0;
-  uint64_t strips = (uint64_t{image->height} + image->lines_this_strip - 1) / image->lines_this_strip;
+  uint64_t strips =
+      (uint64_t{image->height} + image->lines_this_strip - 1) / image->lines_this_strip;
   return static_cast<uint32_t>(strips & 0xFFFF);
 }
 

@@ -61,7 +61,8 @@ uint32_t copy_parameters(uint32_t src, uint32_t dst, const char *function_name, 
 // was sized for dst's old geometry, so it is released rather than kept as a caller's buffer.
 uint32_t copy_pixels(uint32_t dst, const ZEP_IMAGE &from, bool dst_owned_data) {
   constexpr const char *kCopy = "ZEP_image_copy";
-  if (from.data == nullptr) return vrc::core::report(kCopy, ZEP_ERR_BAD_PARAM, "Input image has no data");
+  if (from.data == nullptr)
+    return vrc::core::report(kCopy, ZEP_ERR_BAD_PARAM, "Input image has no data");
   ZEP_IMAGE *to = vrc::core::image_record(dst);
   const uint32_t flags = to->flags;
   if (dst_owned_data) to->flags &= ~ZEP_FLAG_LOCKED;
@@ -121,9 +122,11 @@ uint32_t ZEP_image_move(uint32_t src, uint32_t dst) {
   ZEP_IMAGE *to = nullptr;
   if (!lookup_pair(src, dst, kMove, from, to)) return ZEP_ERR_HANDLE;
   if ((from->flags & ZEP_FLAG_LOCKED) != 0)
-    return vrc::core::report(kMove, ZEP_ERR_UNSUPPORTED, "locked memory can't be moved (in source image)");
+    return vrc::core::report(kMove, ZEP_ERR_UNSUPPORTED,
+                             "locked memory can't be moved (in source image)");
   if ((to->flags & ZEP_FLAG_LOCKED) != 0)
-    return vrc::core::report(kMove, ZEP_ERR_UNSUPPORTED, "Can't free locked memory (in destination image)");
+    return vrc::core::report(kMove, ZEP_ERR_UNSUPPORTED,
+                             "Can't free locked memory (in destination image)");
   if (from == to) return 0;
   ZEP_image_free_data(dst);
   uint32_t status = ZEP_image_copy_parameters(src, dst);

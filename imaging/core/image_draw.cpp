@@ -36,16 +36,25 @@ constexpr int kR = 2, kG = 1, kB = 0, kX = 3;
 uint32_t pixel_stride(const ZEP_IMAGE &image) {
   switch (image.type) {
     case ZEP_Y1: return 0;
-    case ZEP_DATA32_8: case ZEP_DATA64: case ZEP_DCT32_A: case ZEP_DCT32_B: case ZEP_DATA16_B:
-      return image.width == 0 ? 0 : image.bytes_per_line / image.width;
+    case ZEP_DATA32_8:
+    case ZEP_DATA64:
+    case ZEP_DCT32_A:
+    case ZEP_DCT32_B:
+    case ZEP_DATA16_B: return image.width == 0 ? 0 : image.bytes_per_line / image.width;
     default: return (image.depth + 1) / 8;
   }
 }
 
 void draw(const ZEP_IMAGE &image, uint8_t *pixel, uint32_t colour, uint32_t x) {
   switch (image.type) {
-    case ZEP_RGB15: put_value(pixel, pack_rgb15(byte_of(colour, kR), byte_of(colour, kG), byte_of(colour, kB)), 2); return;
-    case ZEP_RGB16: put_value(pixel, pack_rgb16(byte_of(colour, kR), byte_of(colour, kG), byte_of(colour, kB)), 2); return;
+    case ZEP_RGB15:
+      put_value(pixel, pack_rgb15(byte_of(colour, kR), byte_of(colour, kG), byte_of(colour, kB)),
+                2);
+      return;
+    case ZEP_RGB16:
+      put_value(pixel, pack_rgb16(byte_of(colour, kR), byte_of(colour, kG), byte_of(colour, kB)),
+                2);
+      return;
     case ZEP_RGB24: put_ordered(pixel, colour, {kR, kG, kB}); return;
     case ZEP_BGR24: put_ordered(pixel, colour, {kB, kG, kR}); return;
     case ZEP_RGBX32: put_ordered(pixel, colour, {kR, kG, kB, kX}); return;
@@ -68,7 +77,8 @@ extern "C" {
 uint32_t ZEP_DrawPixel(uint32_t handle, uint32_t colour, uint32_t x, uint32_t y) {
   ZEP_IMAGE *image = vrc::core::record_or_report(handle, kDrawPixel);
   if (image == nullptr) return ZEP_ERR_HANDLE;
-  if (image->data == nullptr) return vrc::core::report(kDrawPixel, ZEP_ERR_BAD_PARAM, "Image has no data");
+  if (image->data == nullptr)
+    return vrc::core::report(kDrawPixel, ZEP_ERR_BAD_PARAM, "Image has no data");
   if (x >= image->width || y >= image->lines_this_strip)
     return vrc::core::report(kDrawPixel, ZEP_ERR_BAD_PARAM, "Pixel outside the image");
   uint32_t stride = pixel_stride(*image);
@@ -78,7 +88,8 @@ uint32_t ZEP_DrawPixel(uint32_t handle, uint32_t colour, uint32_t x, uint32_t y)
   return 0;
 }
 
-uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_t type, uint32_t colour) {
+uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_t type,
+                       uint32_t colour) {
   ZEP_image_set_parameter(handle, ZEP_IMAGE_WIDTH, width);
   ZEP_image_set_parameter(handle, ZEP_IMAGE_HEIGHT, height);
   ZEP_image_set_parameter(handle, ZEP_IMAGE_TYPE, type);
@@ -93,4 +104,3 @@ uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_
 }
 
 }  // extern "C"
-

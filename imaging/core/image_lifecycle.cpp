@@ -91,7 +91,8 @@ uint32_t ZEP_image_create(void) {
     vrc::core::ensure_initialised();
     ZEP_IMAGE *image = nullptr;
     uint32_t handle = occupy_lowest_free_slot(image);
-    if (handle == ZEP_ERR_NO_HANDLES) return vrc::core::report(kCreate, handle, "Run out of image handles");
+    if (handle == ZEP_ERR_NO_HANDLES)
+      return vrc::core::report(kCreate, handle, "Run out of image handles");
     if (ZEP_IS_ERROR(handle)) return vrc::core::report(kCreate, handle);
     set_defaults(*image);
     image->cmap = static_cast<uint8_t *>(std::malloc(kCmapBytes));

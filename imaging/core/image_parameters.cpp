@@ -39,7 +39,10 @@ uint32_t *plain_field(ZEP_IMAGE &image, uint16_t id) {
 // odd values are what callers have always been given.
 uint32_t bytes_per_pixel(const ZEP_IMAGE &image) {
   switch (image.type) {
-    case ZEP_RGB8: case ZEP_RGB15: case ZEP_RGB16: case ZEP_YUV422: return 3;
+    case ZEP_RGB8:
+    case ZEP_RGB15:
+    case ZEP_RGB16:
+    case ZEP_YUV422: return 3;
     case ZEP_Y16: return 1;
     default: return image.depth / 8;
   }
@@ -54,17 +57,28 @@ struct TypeDepth {
 bool type_depth(uint32_t type, TypeDepth &out) {
   switch (type) {
     case ZEP_Y1: out = {1, 0}; return true;
-    case ZEP_Y8: case ZEP_RGB8: case ZEP_PALETTED: out = {8, 8}; return true;
+    case ZEP_Y8:
+    case ZEP_RGB8:
+    case ZEP_PALETTED: out = {8, 8}; return true;
     case ZEP_RGB15: out = {15, 0}; return true;
-    case ZEP_RGB16: case ZEP_YUV422: case ZEP_Y16: case ZEP_DATA16_A: case ZEP_DATA16_B:
-    case ZEP_DATA16_C:
-      out = {16, 16};
-      return true;
-    case ZEP_RGB24: case ZEP_BGR24: out = {24, 0}; return true;
-    case ZEP_RGBX32: case ZEP_BGRX32: case ZEP_XBGR32: case ZEP_CMYK32: case ZEP_XRGB32:
-    case ZEP_DATA32_8: case ZEP_DATA32: case ZEP_DCT32_A: case ZEP_DCT32_B: case ZEP_HSI:
-      out = {32, 0};
-      return true;
+    case ZEP_RGB16:
+    case ZEP_YUV422:
+    case ZEP_Y16:
+    case ZEP_DATA16_A:
+    case ZEP_DATA16_B:
+    case ZEP_DATA16_C: out = {16, 16}; return true;
+    case ZEP_RGB24:
+    case ZEP_BGR24: out = {24, 0}; return true;
+    case ZEP_RGBX32:
+    case ZEP_BGRX32:
+    case ZEP_XBGR32:
+    case ZEP_CMYK32:
+    case ZEP_XRGB32:
+    case ZEP_DATA32_8:
+    case ZEP_DATA32:
+    case ZEP_DCT32_A:
+    case ZEP_DCT32_B:
+    case ZEP_HSI: out = {32, 0}; return true;
     case ZEP_DATA64: out = {64, 0}; return true;
     default: return false;
   }
@@ -91,7 +105,8 @@ using NameField = char (ZEP_IMAGE::*)[ZEP_NAME_LENGTH];
 uint32_t set_name(uint32_t handle, const char *name, const char *function_name, NameField field) {
   ZEP_IMAGE *image = vrc::core::record_or_report(handle, function_name);
   if (image == nullptr) return ZEP_ERR_HANDLE;
-  if (name == nullptr) return vrc::core::report(function_name, ZEP_ERR_BAD_PARAM, "File name is NULL");
+  if (name == nullptr)
+    return vrc::core::report(function_name, ZEP_ERR_BAD_PARAM, "File name is NULL");
   vrc::core::copy_text_field(image->*field, name);
   return 0;
 }
@@ -176,8 +191,7 @@ uint32_t ZEP_image_set_ptr(uint32_t handle, uint16_t id, void *value) {
     case ZEP_JPEG_RECORD_PTR: image->jpeg = static_cast<ZEP_JPEG_RECORD *>(value); return 0;
     case ZEP_JPEG_BUFFER_PTR:
     case ZEP_JPEG_POSITION_PTR:
-    case ZEP_JPEG_INFO_BLOCK:
-      break;
+    case ZEP_JPEG_INFO_BLOCK: break;
     default: return vrc::core::report(kSetPtr, ZEP_ERR_BAD_PARAM, "Unrecognized pointer type");
   }
   if (image->jpeg == nullptr) return vrc::core::report(kSetPtr, ZEP_ERR_HANDLE, "Not a JPEG image");
@@ -235,7 +249,8 @@ char *ZEP_image_get_outfilename(uint32_t handle) {
 uint32_t ZEP_copy_outfilename(uint32_t dst, uint32_t src) {
   ZEP_IMAGE *to = vrc::core::image_record(dst);
   ZEP_IMAGE *from = vrc::core::image_record(src);
-  if (to != nullptr && from != nullptr) vrc::core::copy_text_field(to->outfilename, from->outfilename);
+  if (to != nullptr && from != nullptr)
+    vrc::core::copy_text_field(to->outfilename, from->outfilename);
   return 0;
 }
 

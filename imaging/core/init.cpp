@@ -1,6 +1,6 @@
 // Library start-up, run explicitly or lazily by the first ZEP_image_create.
-#include "imaging/core/error_table.h"
 #include "imaging/core/init.h"
+#include "imaging/core/error_table.h"
 #include "imaging/core/library_hooks.h"
 #include "imaging/core/library_lock.h"
 #include "vrcw32/zep_core.h"

@@ -8,12 +8,12 @@
 #include <cstdio>
 
 struct ZEP_JPEG_RECORD {
-  std::FILE *file;            // open sequence file, or null
-  uint32_t data_offset;       // file offset of the first frame's entropy data
-  uint8_t *data;              // entropy-coded data
-  uint32_t length;            // bytes of data (ZEP_JPEG_LENGTH)
-  uint8_t *position;          // current read/write position in data
-  uint32_t quality_scale;     // 32 at creation
+  std::FILE *file;                                // open sequence file, or null
+  uint32_t data_offset;                           // file offset of the first frame's entropy data
+  uint8_t *data;                                  // entropy-coded data
+  uint32_t length;                                // bytes of data (ZEP_JPEG_LENGTH)
+  uint8_t *position;                              // current read/write position in data
+  uint32_t quality_scale;                         // 32 at creation
   uint8_t info_block[ZEP_JPEG_INFO_BLOCK_BYTES];  // comment block, 32 blanks at creation
   // SOF0
   uint16_t sof_length;
@@ -24,7 +24,7 @@ struct ZEP_JPEG_RECORD {
   uint8_t sof_components;
   // DQT
   uint16_t dqt_length;
-  uint8_t quant[2][64];       // zigzag order
+  uint8_t quant[2][64];  // zigzag order
   uint8_t quant_tables;
   // DHT: four Huffman tables, each a class/id byte, 16 counts and up to 256 values; id 255 ends
   uint16_t dht_length;

@@ -17,7 +17,8 @@ extern "C" {
 
 char *ZEP_sscanf(char *text, uint16_t *value) {
   if (text == nullptr || value == nullptr) {
-    vrc::core::report("ZEP_sscanf", ZEP_ERR_BAD_PARAM, text == nullptr ? "Text is NULL" : "Value is NULL");
+    vrc::core::report("ZEP_sscanf", ZEP_ERR_BAD_PARAM,
+                      text == nullptr ? "Text is NULL" : "Value is NULL");
     return nullptr;
   }
   *value = static_cast<uint16_t>(std::strtol(text, nullptr, 10));
@@ -31,7 +32,8 @@ char *ZEP_sscanf(char *text, uint16_t *value) {
 uint32_t ZEP_Util_ParseCommand(void *record, int argc, char **argv) {
   constexpr const char *kParse = "ZEP_Util_ParseCommand";
   if (record == nullptr) return vrc::core::report(kParse, ZEP_ERR_BAD_PARAM, "Record is NULL");
-  if (argc > 0 && argv == nullptr) return vrc::core::report(kParse, ZEP_ERR_BAD_PARAM, "Argument list is NULL");
+  if (argc > 0 && argv == nullptr)
+    return vrc::core::report(kParse, ZEP_ERR_BAD_PARAM, "Argument list is NULL");
   auto &line = *static_cast<ZEP_CMD_LINE *>(record);
   if (argc > 0) vrc::core::copy_text_field(line.program, argv[0] ? argv[0] : "");
   // The program name, the third option slot and the third argument slot start out empty; the

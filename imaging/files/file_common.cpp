@@ -32,7 +32,8 @@ uint32_t close_file(const char *function_name, File &file) {
   return file.close() ? ZEP_OK : core::report(function_name, ZEP_ERR_CLOSE, message::kCloseFailed);
 }
 
-uint32_t finish_without_data(const char *function_name, File &file, OpenSlot slot, uint16_t action) {
+uint32_t finish_without_data(const char *function_name, File &file, OpenSlot slot,
+                             uint16_t action) {
   if (action == ZEP_ACTION_CLOSE) return close_file(function_name, file);
   keep_open(slot, std::move(file));
   return ZEP_OK;

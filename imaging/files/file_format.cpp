@@ -32,7 +32,8 @@ bool is_tiff(std::FILE *file) {
   static_cast<void>(std::fgetc(file));
   if (TIFF_read_ui16(file, order) != tiff::kMagic) return false;
   const uint32_t directory = TIFF_read_ui32(file, order);
-  if (std::feof(file) || std::fseek(file, static_cast<long>(directory), SEEK_SET) != 0) return false;
+  if (std::feof(file) || std::fseek(file, static_cast<long>(directory), SEEK_SET) != 0)
+    return false;
   static_cast<void>(TIFF_read_ui16(file, order));  // entry count
   static_cast<void>(TIFF_read_ui16(file, order));  // first tag
   const uint16_t type = TIFF_read_ui16(file, order);
@@ -68,7 +69,8 @@ uint32_t detect_for_reading(uint32_t handle, uint16_t format) {
   uint32_t detected = kFormatWithoutReader;
   if (format == ZEP_FILE_UNKNOWN) {
     detected = ZEP_image_find_file_format(image->infilename);
-    if (ZEP_IS_ERROR(detected)) return core::report(kReadName, detected, "Failed to recognise file format");
+    if (ZEP_IS_ERROR(detected))
+      return core::report(kReadName, detected, "Failed to recognise file format");
   }
   return detected;
 }

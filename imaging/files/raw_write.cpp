@@ -42,7 +42,8 @@ bool is_accepted(uint16_t type) {
 }
 
 void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
-  const bool samples_16 = image.type == ZEP_RGB15 || image.type == ZEP_RGB16 || image.type == ZEP_Y16;
+  const bool samples_16 =
+      image.type == ZEP_RGB15 || image.type == ZEP_RGB16 || image.type == ZEP_Y16;
   const uint64_t written = samples_16 ? 2 * uint64_t{image.width} : image.bytes_per_line;
   std::vector<uint8_t> line(static_cast<std::size_t>(written));
   for (uint32_t y = 0; y < image.lines_this_strip; ++y) {
@@ -53,9 +54,11 @@ void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
 
 uint32_t write_raw(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = check_image_to_write(kRawName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = check_image_to_write(kRawName, handle, image); status != ZEP_OK)
+    return status;
   if (image->lines_this_strip == 0) return ZEP_OK;
-  if (!is_accepted(image->type)) return core::report(kRawName, ZEP_ERR_UNSUPPORTED, message::kUnsupportedFormat);
+  if (!is_accepted(image->type))
+    return core::report(kRawName, ZEP_ERR_UNSUPPORTED, message::kUnsupportedFormat);
 
   RawSlot &slot = raw_slot();
   if (!slot.file || slot.path != image->outfilename) {
@@ -82,5 +85,6 @@ uint32_t write_raw(uint32_t handle, uint16_t action) {
 }  // namespace vrc::files
 
 extern "C" uint32_t ZEP_write_raw_data_file(uint32_t handle, uint16_t action) {
-  return vrc::core::api_guard(vrc::files::kRawName, [&] { return vrc::files::write_raw(handle, action); });
+  return vrc::core::api_guard(vrc::files::kRawName,
+                              [&] { return vrc::files::write_raw(handle, action); });
 }

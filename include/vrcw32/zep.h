@@ -5,8 +5,8 @@
 #ifndef VRCW32_ZEP_H
 #define VRCW32_ZEP_H
 
-#include "vrcw32/zep_core.h"
 #include "vrcw32/zep_convert.h"
+#include "vrcw32/zep_core.h"
 #include "vrcw32/zep_files.h"
 
 #endif

@@ -16,34 +16,28 @@
  *   RGB24, BGR24, RGBX32, BGRX32, XBGR32, XRGB32
  *     accept Y8, Y16, RGB15, RGB16 and the other 24/32-bit formats (ZEP_convert_to_RGB24 does
  *     not take XRGB32) and write R, G, B in their byte order; the X byte is 0. A 5-bit or 6-bit
- *     component c becomes 8 bits by repeating its top bits: (c << 3) | (c >> 2), (c << 2) | (c >> 4).
- *     A Y16 sample s of data width w is the grey value s >> (w - 8) (s << (8 - w) below 8 bits).
+ *     component c becomes 8 bits by repeating its top bits: (c << 3) | (c >> 2), (c << 2) | (c >>
+ * 4). A Y16 sample s of data width w is the grey value s >> (w - 8) (s << (8 - w) below 8 bits).
  *   RGB15, RGB16   accept Y8, Y16, the 24/32-bit formats and the other 16-bit format.
  *   Y16            accepts Y8 (sample = y << (data width - 8)) and the 24/32-bit and 16-bit colour
  *                  formats, whose grey value is Y8's (77 R + 150 G + 29 B) >> 8 first.
  *   CMYK32         from PALETTED: each byte is the complement of the map entry's byte. From Y8,
  *                  Y16, RGB15, RGB16 and the 24/32-bit formats: C = 255 - R, M = 255 - G,
- *                  Y = 255 - B, then K = min(C, M, Y) is taken out of each (C - K, M - K, Y - K, K),
- *                  so that R = 255 - (C + K) gives the source back.
- *   RGB8           one byte per pixel of 3-3-2 colour: (R & 0xE0) | ((G & 0xE0) >> 3) | (B >> 6),
- *                  from Y8, Y16, PALETTED, RGB15, RGB16 and the 24/32-bit formats. The dither
- *                  variant adds the 4 x 4 ordered-dither threshold t (0..15, the Bayer matrix at
- *                  (x mod 4, y mod 4) of the image's pixel position) before quantising:
- *                  R' = min(255, R + (t << 1)), G' = min(255, G + (t << 1)), B' = min(255, B + (t << 2)).
- *   YUV422 _LUT members with 24/32-bit outputs read the RGB16 table (203) and widen its 5-6-5
- *                  value to 8 bits as above; the RGB15 and RGB16 _LUT members read tables 204 and
- *                  203 directly.
- *   YUV422 to Y8   Y of each pixel; to Y16: Y << (data width - 8).
- *   HSI (108)      four bytes per pixel from the R, G, B of the YUV arithmetic, integers only:
- *                    bytes 0-1  hue in degrees 0..359, little-endian; with mx = max(R, G, B),
- *                               mn = min(R, G, B), d = mx - mn: 0 when d = 0, else
- *                               60 (G - B) / d when mx = R, 120 + 60 (B - R) / d when mx = G,
- *                               240 + 60 (R - G) / d otherwise (division truncating towards 0),
- *                               plus 360 when negative
- *                    byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B)
- *                    byte 3     intensity: (R + G + B) / 3
- *   YUV422 members read and write lines with no padding between them (at even widths and the
- *                  usual line alignment of 2 there is none); strip bytes past the lines are 0.
+ *                  Y = 255 - B, then K = min(C, M, Y) is taken out of each (C - K, M - K, Y - K,
+ * K), so that R = 255 - (C + K) gives the source back. RGB8           one byte per pixel of 3-3-2
+ * colour: (R & 0xE0) | ((G & 0xE0) >> 3) | (B >> 6), from Y8, Y16, PALETTED, RGB15, RGB16 and the
+ * 24/32-bit formats. The dither variant adds the 4 x 4 ordered-dither threshold t (0..15, the Bayer
+ * matrix at (x mod 4, y mod 4) of the image's pixel position) before quantising: R' = min(255, R +
+ * (t << 1)), G' = min(255, G + (t << 1)), B' = min(255, B + (t << 2)). YUV422 _LUT members with
+ * 24/32-bit outputs read the RGB16 table (203) and widen its 5-6-5 value to 8 bits as above; the
+ * RGB15 and RGB16 _LUT members read tables 204 and 203 directly. YUV422 to Y8   Y of each pixel; to
+ * Y16: Y << (data width - 8). HSI (108)      four bytes per pixel from the R, G, B of the YUV
+ * arithmetic, integers only: bytes 0-1  hue in degrees 0..359, little-endian; with mx = max(R, G,
+ * B), mn = min(R, G, B), d = mx - mn: 0 when d = 0, else 60 (G - B) / d when mx = R, 120 + 60 (B -
+ * R) / d when mx = G, 240 + 60 (R - G) / d otherwise (division truncating towards 0), plus 360 when
+ * negative byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B) byte 3
+ * intensity: (R + G + B) / 3 YUV422 members read and write lines with no padding between them (at
+ * even widths and the usual line alignment of 2 there is none); strip bytes past the lines are 0.
  *
  * Conversion tables (ids 200..205) are process-wide; the _LUT members need the table they read
  * to have been generated or loaded: without it they fail with "Conversion LUT does not exist"
@@ -87,10 +81,10 @@ extern "C" {
 #define ZEP_COLOUR_WHITE 15
 
 /* Preset maps of ZEP_cmap_set_type. */
-#define ZEP_CMAP_BLACK 0     /* all 256 entries black, cmap_colours unchanged */
-#define ZEP_CMAP_NAMED 1     /* the 16 named colours, cmap_colours 16 */
-#define ZEP_CMAP_GREY 2      /* entry i = (i, i, i), cmap_colours 256 */
-#define ZEP_CMAP_CUBE_332 3  /* 3-3-2 colour cube, cmap_colours 256 */
+#define ZEP_CMAP_BLACK 0    /* all 256 entries black, cmap_colours unchanged */
+#define ZEP_CMAP_NAMED 1    /* the 16 named colours, cmap_colours 16 */
+#define ZEP_CMAP_GREY 2     /* entry i = (i, i, i), cmap_colours 256 */
+#define ZEP_CMAP_CUBE_332 3 /* 3-3-2 colour cube, cmap_colours 256 */
 
 #define ZEP_CMAP_HISTOGRAM_ENTRIES 4096
 #define ZEP_CMAP_NO_INDEX 0xFFFFFFFFu /* histogram entry without a map index */

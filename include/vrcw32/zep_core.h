@@ -19,10 +19,10 @@ extern "C" {
 
 /* ---- Handles ---------------------------------------------------------------------------- */
 
-#define ZEP_MAX_HANDLES 65536u        /* slots in the handle table; slot 0 is never issued */
-#define ZEP_ALL_IMAGES 0x10001u       /* destroy / set flags on every image */
-#define ZEP_ANY_IMAGES_LEFT 0x10002u  /* destroy only: is any image left? */
-#define ZEP_NAME_LENGTH 128           /* characters of a name field, terminator included */
+#define ZEP_MAX_HANDLES 65536u       /* slots in the handle table; slot 0 is never issued */
+#define ZEP_ALL_IMAGES 0x10001u      /* destroy / set flags on every image */
+#define ZEP_ANY_IMAGES_LEFT 0x10002u /* destroy only: is any image left? */
+#define ZEP_NAME_LENGTH 128          /* characters of a name field, terminator included */
 
 /* ---- Pixel formats (image type) --------------------------------------------------------- */
 
@@ -52,7 +52,7 @@ extern "C" {
 #define ZEP_PALETTED_TO_DIRECT 105 /* only as the requested output of ZEP_image_convert */
 #define ZEP_DATA16_C 106
 #define ZEP_HSI 108
-#define ZEP_TYPE_LIMIT 109         /* every accepted type code is below this */
+#define ZEP_TYPE_LIMIT 109 /* every accepted type code is below this */
 
 /* ---- Parameter ids (ZEP_image_get_parameter / ZEP_image_set_parameter) ------------------- */
 
@@ -210,7 +210,8 @@ uint32_t ZEP_cmap_copy(uint32_t src, uint32_t dst);
 
 /* Sets width, height and type, makes the whole image one strip and fills it with `colour`
  * (see ZEP_DrawPixel for the colour value of each format). Returns 0. */
-uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_t type, uint32_t colour);
+uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_t type,
+                       uint32_t colour);
 
 /* Writes `colour` into pixel (x, y) of the current strip (y counts lines of the strip) in the
  * image's own layout. Colour value per format:
@@ -249,7 +250,8 @@ uint32_t ZEP_image_set_outfilename(uint32_t handle, const char *name);
 
 /* ---- Errors ----------------------------------------------------------------------------- */
 
-uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t code, const char *message);
+uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t code,
+                         const char *message);
 uint32_t ZEP_ErrHandlerInstall(ZEP_ERR_HANDLER handler);
 uint32_t ZEP_ErrHandlerDefault(uint32_t library, const char *function_name, uint32_t code,
                                const char *message);

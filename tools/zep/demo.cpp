@@ -13,7 +13,7 @@ namespace {
 struct DemoImage {
   const char *label;
   uint16_t type;
-  uint32_t colour;  // in the format's colour-value layout (see ZEP_DrawPixel)
+  uint32_t colour;    // in the format's colour-value layout (see ZEP_DrawPixel)
   uint16_t fallback;  // pixel format written where a file cannot hold `type`
 };
 
@@ -35,28 +35,35 @@ struct FileKind {
   const char *extension;
 };
 
-constexpr FileKind kFileKinds[] = {{ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tif"}, {ZEP_FILE_EPS, "eps"}};
+constexpr FileKind kFileKinds[] = {
+    {ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tif"}, {ZEP_FILE_EPS, "eps"}};
 
 void print_parameters(const char *label, uint32_t image) {
   std::printf("%-8s type %3u  %4u x %-4u  depth %2u  bytes/line %5u  strip bytes %7u\n", label,
-              ZEP_image_get_parameter(image, ZEP_IMAGE_TYPE), ZEP_image_get_parameter(image, ZEP_IMAGE_WIDTH),
-              ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT), ZEP_image_get_parameter(image, ZEP_IMAGE_DEPTH),
-              ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE), ZEP_image_get_parameter(image, ZEP_STRIP_BYTES));
+              ZEP_image_get_parameter(image, ZEP_IMAGE_TYPE),
+              ZEP_image_get_parameter(image, ZEP_IMAGE_WIDTH),
+              ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT),
+              ZEP_image_get_parameter(image, ZEP_IMAGE_DEPTH),
+              ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE),
+              ZEP_image_get_parameter(image, ZEP_STRIP_BYTES));
 }
 
 // Writes `image` (or its conversion to the fallback format) as `path`.
-bool write_demo_file(const DemoImage &demo, uint32_t image, const FileKind &kind, const std::string &path) {
+bool write_demo_file(const DemoImage &demo, uint32_t image, const FileKind &kind,
+                     const std::string &path) {
   uint32_t written = image;
   Image converted;
   if (!format_accepts(kind.format, demo.type)) {
     if (!converted.created() ||
-        ZEP_IS_ERROR(ZEP_image_convert(image, converted.handle(), demo.fallback, 0, ZEP_MODE_NEXT_STRIP))) {
+        ZEP_IS_ERROR(
+            ZEP_image_convert(image, converted.handle(), demo.fallback, 0, ZEP_MODE_NEXT_STRIP))) {
       return false;
     }
     written = converted.handle();
   }
   if (ZEP_IS_ERROR(write_image(written, path.c_str(), kind.format))) return false;
-  std::printf("           wrote %s (%s)\n", path.c_str(), type_name(ZEP_image_get_parameter(written, ZEP_IMAGE_TYPE)));
+  std::printf("           wrote %s (%s)\n", path.c_str(),
+              type_name(ZEP_image_get_parameter(written, ZEP_IMAGE_TYPE)));
   return true;
 }
 
@@ -71,7 +78,8 @@ int run_demo(int argc, char **argv) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) {
-    std::fprintf(stderr, "zep: cannot create folder '%s': %s\n", folder.c_str(), error.message().c_str());
+    std::fprintf(stderr, "zep: cannot create folder '%s': %s\n", folder.c_str(),
+                 error.message().c_str());
     return kFailure;
   }
   std::printf("Images made with ZEP_ImageMake (library id 0x%08x), written to %s/:\n",
@@ -84,7 +92,8 @@ int run_demo(int argc, char **argv) {
     print_parameters(demo.label, image.handle());
     for (const FileKind &kind : kFileKinds) {
       const std::string path = folder + "/" + demo.label + "." + kind.extension;
-      if (!path_fits(path.c_str()) || !write_demo_file(demo, image.handle(), kind, path)) result = kFailure;
+      if (!path_fits(path.c_str()) || !write_demo_file(demo, image.handle(), kind, path))
+        result = kFailure;
     }
   }
   return result;

@@ -46,9 +46,11 @@ int describe(const char *path) {
               ZEP_image_get_parameter(handle, ZEP_IMAGE_HEIGHT));
   std::printf("pixels:  %s\n", type_name(type));
   std::printf("depth:   %u bits per pixel", ZEP_image_get_parameter(handle, ZEP_IMAGE_DEPTH));
-  if (type == ZEP_Y16) std::printf(" (%u significant)", ZEP_image_get_parameter(handle, ZEP_DATA_WIDTH));
+  if (type == ZEP_Y16)
+    std::printf(" (%u significant)", ZEP_image_get_parameter(handle, ZEP_DATA_WIDTH));
   std::printf("\n");
-  if (type == ZEP_PALETTED) std::printf("colours: %u\n", ZEP_image_get_parameter(handle, ZEP_CMAP_COLOURS));
+  if (type == ZEP_PALETTED)
+    std::printf("colours: %u\n", ZEP_image_get_parameter(handle, ZEP_CMAP_COLOURS));
   return kSuccess;
 }
 
@@ -79,7 +81,9 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
       } else {
         request.type = type_from_name(value);
         if (!request.type) {
-          std::fprintf(stderr, "zep: unknown pixel format '%s' (Y8, Y16, RGB24, BGR24, PALETTED, ...)\n", value);
+          std::fprintf(stderr,
+                       "zep: unknown pixel format '%s' (Y8, Y16, RGB24, BGR24, PALETTED, ...)\n",
+                       value);
           return std::nullopt;
         }
       }
@@ -101,7 +105,8 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   }
   if (!request.format) request.format = format_from_extension(request.output);
   if (!request.format) {
-    std::fprintf(stderr, "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|raw\n",
+    std::fprintf(stderr,
+                 "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|raw\n",
                  request.output);
     return std::nullopt;
   }
@@ -144,9 +149,11 @@ int run_convert(int argc, char **argv) {
     return kFailure;
   }
   if (wanted_type != source_type) {
-    if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(), static_cast<uint16_t>(wanted_type), 0,
+    if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(),
+                                       static_cast<uint16_t>(wanted_type), 0,
                                        ZEP_MODE_NEXT_STRIP))) {
-      std::fprintf(stderr, "zep: cannot convert %s pixels to %s\n", type_name(source_type), type_name(wanted_type));
+      std::fprintf(stderr, "zep: cannot convert %s pixels to %s\n", type_name(source_type),
+                   type_name(wanted_type));
       return kFailure;
     }
     result = converted.handle();
@@ -156,8 +163,8 @@ int run_convert(int argc, char **argv) {
     return kFailure;
   }
   std::printf("%s: %s, %u x %u, %s\n", request->output, format_name(*request->format),
-              ZEP_image_get_parameter(result, ZEP_IMAGE_WIDTH), ZEP_image_get_parameter(result, ZEP_IMAGE_HEIGHT),
-              type_name(wanted_type));
+              ZEP_image_get_parameter(result, ZEP_IMAGE_WIDTH),
+              ZEP_image_get_parameter(result, ZEP_IMAGE_HEIGHT), type_name(wanted_type));
   return kSuccess;
 }
 

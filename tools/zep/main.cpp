@@ -7,17 +7,20 @@
 namespace {
 
 void usage(FILE *out) {
-  std::fprintf(out,
-               "usage: zep COMMAND [ARGS]\n"
-               "commands:\n"
-               "  info FILE...                 show the format, size, pixel format and depth of image files\n"
-               "  convert IN OUT [--format bmp|tiff|eps|raw] [--type Y8|Y16|RGB24|BGR24|...]\n"
-               "                               read IN (BMP, TIFF or EPS, recognised by its content) and\n"
-               "                               write OUT; the format defaults to OUT's extension, the\n"
-               "                               pixel format to IN's\n"
-               "  demo [FOLDER]                make images in several pixel formats, print their parameters\n"
-               "                               and write them as BMP, TIFF and EPS into FOLDER (zep-demo)\n"
-               "  help                         show this text\n");
+  std::fprintf(
+      out,
+      "usage: zep COMMAND [ARGS]\n"
+      "commands:\n"
+      "  info FILE...                 show the format, size, pixel format and depth of image "
+      "files\n"
+      "  convert IN OUT [--format bmp|tiff|eps|raw] [--type Y8|Y16|RGB24|BGR24|...]\n"
+      "                               read IN (BMP, TIFF or EPS, recognised by its content) and\n"
+      "                               write OUT; the format defaults to OUT's extension, the\n"
+      "                               pixel format to IN's\n"
+      "  demo [FOLDER]                make images in several pixel formats, print their "
+      "parameters\n"
+      "                               and write them as BMP, TIFF and EPS into FOLDER (zep-demo)\n"
+      "  help                         show this text\n");
 }
 
 }  // namespace

@@ -17,10 +17,12 @@ struct TypeName {
 };
 
 constexpr TypeName kTypes[] = {
-    {ZEP_Y1, "Y1"},         {ZEP_Y8, "Y8"},         {ZEP_PALETTED, "PALETTED"}, {ZEP_RGB8, "RGB8"},
-    {ZEP_RGB15, "RGB15"},   {ZEP_RGB16, "RGB16"},   {ZEP_RGB24, "RGB24"},       {ZEP_BGR24, "BGR24"},
-    {ZEP_RGBX32, "RGBX32"}, {ZEP_BGRX32, "BGRX32"}, {ZEP_XBGR32, "XBGR32"},     {ZEP_YUV422, "YUV422"},
-    {ZEP_CMYK32, "CMYK32"}, {ZEP_Y16, "Y16"},       {ZEP_XRGB32, "XRGB32"},     {ZEP_HSI, "HSI"},
+    {ZEP_Y1, "Y1"},         {ZEP_Y8, "Y8"},         {ZEP_PALETTED, "PALETTED"},
+    {ZEP_RGB8, "RGB8"},     {ZEP_RGB15, "RGB15"},   {ZEP_RGB16, "RGB16"},
+    {ZEP_RGB24, "RGB24"},   {ZEP_BGR24, "BGR24"},   {ZEP_RGBX32, "RGBX32"},
+    {ZEP_BGRX32, "BGRX32"}, {ZEP_XBGR32, "XBGR32"}, {ZEP_YUV422, "YUV422"},
+    {ZEP_CMYK32, "CMYK32"}, {ZEP_Y16, "Y16"},       {ZEP_XRGB32, "XRGB32"},
+    {ZEP_HSI, "HSI"},
 };
 
 struct FormatName {
@@ -29,12 +31,14 @@ struct FormatName {
 };
 
 constexpr FormatName kFormats[] = {
-    {ZEP_FILE_BMP, "BMP"}, {ZEP_FILE_TIFF, "TIFF"}, {ZEP_FILE_EPS, "EPS"}, {ZEP_FILE_RAW, "RAW"}, {ZEP_FILE_JPEG, "JPEG"},
+    {ZEP_FILE_BMP, "BMP"}, {ZEP_FILE_TIFF, "TIFF"}, {ZEP_FILE_EPS, "EPS"},
+    {ZEP_FILE_RAW, "RAW"}, {ZEP_FILE_JPEG, "JPEG"},
 };
 
 std::string upper(std::string_view text) {
   std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), [](unsigned char c) { return std::toupper(c); });
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](unsigned char c) { return std::toupper(c); });
   return result;
 }
 
@@ -82,7 +86,8 @@ std::optional<uint16_t> format_from_name(std::string_view name) {
 
 std::optional<uint16_t> format_from_extension(std::string_view path) {
   const std::size_t dot = path.rfind('.');
-  if (dot == std::string_view::npos || path.find('/', dot) != std::string_view::npos) return std::nullopt;
+  if (dot == std::string_view::npos || path.find('/', dot) != std::string_view::npos)
+    return std::nullopt;
   const std::string extension = upper(path.substr(dot + 1));
   if (extension == "JPG") return std::nullopt;
   return format_from_name(extension);
@@ -95,7 +100,8 @@ void start_library() {
 
 bool path_fits(const char *path) {
   if (std::strlen(path) < ZEP_NAME_LENGTH) return true;
-  std::fprintf(stderr, "zep: %s: path too long (at most %d characters)\n", path, ZEP_NAME_LENGTH - 1);
+  std::fprintf(stderr, "zep: %s: path too long (at most %d characters)\n", path,
+               ZEP_NAME_LENGTH - 1);
   return false;
 }
 
@@ -104,7 +110,8 @@ uint32_t read_whole_image(uint32_t image, const char *path) {
   // The header first, so that the image is read as one strip of all its lines.
   const uint32_t status = ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_CLOSE);
   if (ZEP_IS_ERROR(status)) return status;
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT));
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP,
+                          ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT));
   return ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_DATA);
 }
 
@@ -116,16 +123,14 @@ uint32_t write_image(uint32_t image, const char *path, uint16_t format) {
 bool format_accepts(uint16_t format, uint32_t type) {
   switch (format) {
     case ZEP_FILE_BMP:
-      return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24 || type == ZEP_BGR24 || type == ZEP_BGRX32;
+      return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24 || type == ZEP_BGR24 ||
+             type == ZEP_BGRX32;
     case ZEP_FILE_TIFF:
-      return type == ZEP_Y8 || type == ZEP_Y16 || type == ZEP_RGB24 || type == ZEP_BGR24 || type == ZEP_BGRX32 ||
-             type == ZEP_YUV422;
-    case ZEP_FILE_EPS:
-      return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24;
-    case ZEP_FILE_RAW:
-      return type != ZEP_Y1 && type != ZEP_CMYK32;
-    default:
-      return false;
+      return type == ZEP_Y8 || type == ZEP_Y16 || type == ZEP_RGB24 || type == ZEP_BGR24 ||
+             type == ZEP_BGRX32 || type == ZEP_YUV422;
+    case ZEP_FILE_EPS: return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24;
+    case ZEP_FILE_RAW: return type != ZEP_Y1 && type != ZEP_CMYK32;
+    default: return false;
   }
 }
 

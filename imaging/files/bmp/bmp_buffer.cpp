@@ -23,7 +23,8 @@ void ZEP_image_write_BMP_buffer_1_strip(const ZEP_IMAGE &image, uint8_t *data_st
   const uint32_t lines = image.lines_this_strip;
   for (uint32_t stored = 0; stored < lines; ++stored) {
     std::span<uint8_t> target(data_start + stored * row, static_cast<std::size_t>(line_bytes));
-    std::span<const uint8_t> source = strip_range(image, uint64_t{lines - 1 - stored} * image.bytes_per_line, line_bytes);
+    std::span<const uint8_t> source =
+        strip_range(image, uint64_t{lines - 1 - stored} * image.bytes_per_line, line_bytes);
     if (bits == 8) {
       std::copy(source.begin(), source.end(), target.begin());
     } else {
@@ -36,12 +37,15 @@ uint32_t write_bmp_buffer(uint32_t handle, uint8_t *buffer, uint32_t *size_out) 
   if (size_out != nullptr) *size_out = 0;
   if (buffer == nullptr || size_out == nullptr) return core::report(kBufferName, ZEP_ERR_BAD_PARAM);
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = check_image_to_write(kBufferName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = check_image_to_write(kBufferName, handle, image); status != ZEP_OK)
+    return status;
   if (image->type != ZEP_Y8 && image->type != ZEP_PALETTED && image->type != ZEP_RGB24) {
-    return core::report(kBufferName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
+    return core::report(kBufferName, ZEP_ERR_UNSUPPORTED | image->type,
+                        message::kUnsupportedFormat);
   }
   if (image->type == ZEP_Y8) {
-    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status)) return status;
+    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status))
+      return status;
   }
   const uint32_t bits = image->type == ZEP_RGB24 ? 24 : 8;
   const std::vector<uint8_t> header = build_header(*image, bits);
@@ -57,7 +61,9 @@ uint32_t write_bmp_buffer(uint32_t handle, uint8_t *buffer, uint32_t *size_out) 
 }  // namespace
 }  // namespace vrc::files::bmp
 
-extern "C" uint32_t ZEP_image_write_BMP_buffer(uint32_t handle, uint8_t *buffer, uint32_t *size_out) {
-  return vrc::core::api_guard(vrc::files::bmp::kBufferName,
-                              [&] { return vrc::files::bmp::write_bmp_buffer(handle, buffer, size_out); });
+extern "C" uint32_t ZEP_image_write_BMP_buffer(uint32_t handle, uint8_t *buffer,
+                                               uint32_t *size_out) {
+  return vrc::core::api_guard(vrc::files::bmp::kBufferName, [&] {
+    return vrc::files::bmp::write_bmp_buffer(handle, buffer, size_out);
+  });
 }

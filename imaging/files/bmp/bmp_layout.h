@@ -20,7 +20,9 @@ inline constexpr long kWidthField = 18;        // 32-bit width; height follows, 
 inline constexpr long kBitsField = 28;         // 16-bit bits per pixel
 inline constexpr long kCompressionField = 30;  // 32-bit, 0 = uncompressed (BI_RGB)
 
-inline uint32_t data_offset(uint32_t bits) { return bits == 8 ? kPalettedDataOffset : kRgbDataOffset; }
+inline uint32_t data_offset(uint32_t bits) {
+  return bits == 8 ? kPalettedDataOffset : kRgbDataOffset;
+}
 
 // Bytes of one stored row: the pixels rounded up to a multiple of 4.
 inline uint64_t row_bytes(uint32_t width, uint32_t bits) {

@@ -28,7 +28,8 @@ void flip_strip(const ZEP_IMAGE &image, uint32_t lines) {
     std::span<uint8_t> upper = strip_line(image, i);
     std::span<uint8_t> lower = strip_line(image, lines - 1 - i);
     const std::size_t common = std::min(upper.size(), lower.size());
-    std::swap_ranges(upper.begin(), upper.begin() + static_cast<std::ptrdiff_t>(common), lower.begin());
+    std::swap_ranges(upper.begin(), upper.begin() + static_cast<std::ptrdiff_t>(common),
+                     lower.begin());
   }
 }
 
@@ -81,12 +82,14 @@ void read_colour_table(ZEP_IMAGE &image, std::FILE *file) {
 
 uint32_t read_bmp(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK)
+    return status;
   File file = File::open(image->infilename, "rb");
   if (!file) return core::report(kReadName, ZEP_ERR_OPEN, message::kOpenFailed);
   std::FILE *stream = file.get();
 
-  if (!seek(stream, kWidthField)) return core::report(kReadName, ZEP_ERR_SYSTEM, message::kSeekFailed);
+  if (!seek(stream, kWidthField))
+    return core::report(kReadName, ZEP_ERR_SYSTEM, message::kSeekFailed);
   image->width = ZEP_fget_ui32i(stream);
   image->height = ZEP_fget_ui32i(stream);
   static_cast<void>(ZEP_fget_ui16i(stream));  // planes
@@ -100,28 +103,34 @@ uint32_t read_bmp(uint32_t handle, uint16_t action) {
     return core::report(kReadName, ZEP_ERR_UNSUPPORTED, "Unsupported image depth");
   }
 
-  if (!seek(stream, kCompressionField)) return core::report(kReadName, ZEP_ERR_SYSTEM, message::kSeekFailed);
+  if (!seek(stream, kCompressionField))
+    return core::report(kReadName, ZEP_ERR_SYSTEM, message::kSeekFailed);
   const uint16_t compression = ZEP_fget_ui16i(stream);
   if (compression == 1 || compression == 2) {
     return core::report(kReadName, ZEP_ERR_UNSUPPORTED, "Compressed images not supported");
   }
-  if (compression != 0) return core::report(kReadName, ZEP_ERR_UNSUPPORTED, "Unrecognized compression type");
+  if (compression != 0)
+    return core::report(kReadName, ZEP_ERR_UNSUPPORTED, "Unrecognized compression type");
 
   if (const uint32_t status = check_read_header(kReadName, handle); status != ZEP_OK) return status;
   image->lines_this_strip = image->height;
-  if (action != ZEP_ACTION_DATA) return finish_without_data(kReadName, file, OpenSlot::BmpRead, action);
+  if (action != ZEP_ACTION_DATA)
+    return finish_without_data(kReadName, file, OpenSlot::BmpRead, action);
   if (image->height == 0) {
     keep_open(OpenSlot::BmpRead, std::move(file));
     return ZEP_OK;
   }
 
   const uint32_t bits = image->type == ZEP_PALETTED ? 8 : 24;
-  const uint64_t needed = data_offset(bits) + uint64_t{image->height} * row_bytes(image->width, bits);
-  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size()); status != ZEP_OK) {
+  const uint64_t needed =
+      data_offset(bits) + uint64_t{image->height} * row_bytes(image->width, bits);
+  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size());
+      status != ZEP_OK) {
     return status;
   }
   if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
-  if (const uint32_t status = ZEP_read_BMP_file_1_strip(*image, 0, stream); status != ZEP_OK) return status;
+  if (const uint32_t status = ZEP_read_BMP_file_1_strip(*image, 0, stream); status != ZEP_OK)
+    return status;
   return close_file(kReadName, file);
 }
 

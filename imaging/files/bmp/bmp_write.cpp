@@ -62,7 +62,8 @@ uint32_t ZEP_write_BMP_file_1_strip(const ZEP_IMAGE &image, std::FILE *file) {
 
 uint32_t write_bmp(uint32_t handle) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK)
+    return status;
   if (!is_writable(image->type)) {
     return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   }
@@ -72,7 +73,8 @@ uint32_t write_bmp(uint32_t handle) {
 
   const uint32_t bits = writes_8_bit(image->type) ? 8 : 24;
   if (image->type == ZEP_Y8) {
-    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status)) return status;
+    if (const uint32_t status = ZEP_cmap_set_type(handle, ZEP_CMAP_GREY, 0); ZEP_IS_ERROR(status))
+      return status;
   }
   const std::vector<uint8_t> header = build_header(*image, bits);
   write_bytes(file.get(), header);
@@ -87,5 +89,6 @@ uint32_t write_bmp(uint32_t handle) {
 }  // namespace vrc::files::bmp
 
 extern "C" uint32_t ZEP_write_BMP_file(uint32_t handle) {
-  return vrc::core::api_guard(vrc::files::bmp::kWriteName, [&] { return vrc::files::bmp::write_bmp(handle); });
+  return vrc::core::api_guard(vrc::files::bmp::kWriteName,
+                              [&] { return vrc::files::bmp::write_bmp(handle); });
 }

@@ -18,8 +18,8 @@ inline constexpr uint32_t kHexBytesPerRow = 39;  // a newline follows every 39th
 inline constexpr std::size_t kTextLimit = 256;   // characters of a header line or word
 
 struct PageGeometry {
-  int64_t x0, y0, x1, y1;        // bounding box
-  int64_t scale_x, scale_y;      // operands of "scale"
+  int64_t x0, y0, x1, y1;    // bounding box
+  int64_t scale_x, scale_y;  // operands of "scale"
   bool landscape;
 };
 

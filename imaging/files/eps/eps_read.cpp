@@ -74,7 +74,9 @@ class TextReader {
   std::FILE *m_file;
 };
 
-bool contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
+bool contains(const std::string &text, const char *part) {
+  return text.find(part) != std::string::npos;
+}
 
 // The leading decimal number of `text` (blanks allowed before it), as a 16-bit value; `rest`
 // moves past it.
@@ -102,7 +104,8 @@ uint32_t read_paletted_header(TextReader &text, ZEP_IMAGE &image) {
           image.cmap[4 * entry + component] = value;
         }
       }
-    } else if (contains(word, "WIDTH") || contains(word, "HEIGHT") || contains(word, "BITSPERCOMPONENT")) {
+    } else if (contains(word, "WIDTH") || contains(word, "HEIGHT") ||
+               contains(word, "BITSPERCOMPONENT")) {
       const std::string key = word;
       if (!text.word(word, status)) break;
       const auto value = static_cast<uint32_t>(std::atoi(word.c_str()));
@@ -155,7 +158,8 @@ void read_hex_data(TextReader &text, const ZEP_IMAGE &image) {
 
 uint32_t read_eps(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK)
+    return status;
   File file = File::open(image->infilename, "r");
   if (!file) return core::report(kReadName, ZEP_ERR_OPEN, message::kOpenFailed);
   ZEP_image_set_parameter(handle, ZEP_IMAGE_TYPE, ZEP_NONE);
@@ -175,7 +179,8 @@ uint32_t read_eps(uint32_t handle, uint16_t action) {
     read_direct_header(text, handle, *image);
   }
   if (const uint32_t status = check_read_header(kReadName, handle); status != ZEP_OK) return status;
-  if (action != ZEP_ACTION_DATA) return finish_without_data(kReadName, file, OpenSlot::EpsRead, action);
+  if (action != ZEP_ACTION_DATA)
+    return finish_without_data(kReadName, file, OpenSlot::EpsRead, action);
   if (image->lines_this_strip == 0) {
     keep_open(OpenSlot::EpsRead, std::move(file));
     return ZEP_OK;
@@ -185,7 +190,8 @@ uint32_t read_eps(uint32_t handle, uint16_t action) {
   // Each byte takes at least two characters of the file: a header asking for more bytes than
   // the file has characters cannot be meant.
   const uint64_t needed = line_bytes(image->type, image->width) * image->lines_this_strip;
-  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size()); status != ZEP_OK) return status;
+  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size()); status != ZEP_OK)
+    return status;
   if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
   read_hex_data(text, *image);
   if (!whole_image) {

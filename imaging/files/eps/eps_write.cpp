@@ -20,8 +20,8 @@ bool is_writable(uint16_t type) {
 
 void write_header(std::FILE *out, const ZEP_IMAGE &image, const PageGeometry &page) {
   std::fprintf(out, "%%!PS-Adobe-3.0 EPSF-3.0\n");
-  std::fprintf(out, "%%%%BoundingBox: %ld %ld %ld %ld\n", static_cast<long>(page.x0), static_cast<long>(page.y0),
-               static_cast<long>(page.x1), static_cast<long>(page.y1));
+  std::fprintf(out, "%%%%BoundingBox: %ld %ld %ld %ld\n", static_cast<long>(page.x0),
+               static_cast<long>(page.y0), static_cast<long>(page.x1), static_cast<long>(page.y1));
   std::fprintf(out, "%%%%Creator: %.*s\n", ZEP_NAME_LENGTH - 1, image.name);
   if (image.type == ZEP_RGB24) std::fprintf(out, "%%%%Extensions: CMYK\n");
   if (image.type == ZEP_PALETTED) std::fprintf(out, "%%%%LanguageLevel: 2\n");
@@ -32,7 +32,8 @@ void write_header(std::FILE *out, const ZEP_IMAGE &image, const PageGeometry &pa
 }
 
 void write_scale(std::FILE *out, const PageGeometry &page) {
-  std::fprintf(out, "%ld %ld scale\n", static_cast<long>(page.scale_x), static_cast<long>(page.scale_y));
+  std::fprintf(out, "%ld %ld scale\n", static_cast<long>(page.scale_x),
+               static_cast<long>(page.scale_y));
 }
 
 // The indexed colour space and the image dictionary of a paletted image.
@@ -49,12 +50,14 @@ void write_paletted_prolog(std::FILE *out, const ZEP_IMAGE &image, const PageGeo
   }
   std::fprintf(out, ">\n] setcolorspace\n");
   std::fprintf(out, "<<\n  /ImageType 1\n  /Width %d\n  /Height %d\n  /BitsPerComponent %d\n",
-               static_cast<int>(image.width), static_cast<int>(image.height), static_cast<int>(image.depth));
+               static_cast<int>(image.width), static_cast<int>(image.height),
+               static_cast<int>(image.depth));
   std::fprintf(out, "  /Decode [0 1 0 1 0 1]\n");
   if (page.landscape) {
     std::fprintf(out, "  /ImageMatrix[0 %ld %ld 0 0 0]\t%% Landscape Orientation\n", width, height);
   } else {
-    std::fprintf(out, "  /ImageMatrix[%ld 0 0 -%ld 0 %ld]\t%% Portrait Orientation\n", width, height, height);
+    std::fprintf(out, "  /ImageMatrix[%ld 0 0 -%ld 0 %ld]\t%% Portrait Orientation\n", width,
+                 height, height);
   }
   std::fprintf(out, "  /DataSource currentfile\n  /ASCIIHexDecode filter\n>>\nimage\n");
 }
@@ -100,7 +103,8 @@ void write_hex_data(std::FILE *out, const ZEP_IMAGE &image) {
 
 uint32_t write_eps(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK)
+    return status;
   if (!is_writable(image->type)) {
     return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   }
@@ -117,7 +121,8 @@ uint32_t write_eps(uint32_t handle, uint16_t action) {
   } else {
     write_direct_prolog(file.get(), *image, *page);
   }
-  if (action != ZEP_ACTION_DATA) return finish_without_data(kWriteName, file, OpenSlot::EpsWrite, action);
+  if (action != ZEP_ACTION_DATA)
+    return finish_without_data(kWriteName, file, OpenSlot::EpsWrite, action);
   write_hex_data(file.get(), *image);
   return close_file(kWriteName, file);
 }

@@ -24,9 +24,9 @@ struct Directory {
   uint32_t samples = 1;
   uint32_t photometric = kNoPhotometric;
   uint32_t rows_per_strip = 0;
-  uint32_t strip_count = 0;     // StripOffsets count
+  uint32_t strip_count = 0;  // StripOffsets count
   uint16_t strip_type = kTypeLong;
-  uint32_t strip_offsets = 0;   // the single offset, or the file position of the offsets
+  uint32_t strip_offsets = 0;  // the single offset, or the file position of the offsets
   bool has_colour_map = false;
   uint32_t palette_length = 0;
   uint32_t colour_map_offset = 0;
@@ -48,7 +48,8 @@ class Reader {
   uint32_t sum_bits_per_sample(uint32_t count);
   void read_palette();
   bool seek(uint64_t position) {
-    return position <= m_file_size && std::fseek(m_file, static_cast<long>(position), SEEK_SET) == 0;
+    return position <= m_file_size &&
+           std::fseek(m_file, static_cast<long>(position), SEEK_SET) == 0;
   }
   bool strip_offset(uint32_t strip, uint32_t &offset);
   void store_line(std::span<const uint8_t> file_line, uint64_t &memory_offset);
@@ -68,10 +69,12 @@ uint32_t fail(const char *message, uint32_t code = ZEP_ERR_UNEXPECTED) {
 uint32_t Reader::read_directory(uint32_t directory_offset) {
   if (!seek(directory_offset)) return fail("unsupported TIFF format", ZEP_ERR_UNSUPPORTED);
   const uint16_t entries = TIFF_read_ui16(m_file, m_order);
-  if (entries == 0 || std::feof(m_file)) return fail("unsupported TIFF format", ZEP_ERR_UNSUPPORTED);
+  if (entries == 0 || std::feof(m_file))
+    return fail("unsupported TIFF format", ZEP_ERR_UNSUPPORTED);
   // Entries that would lie past the end of the file do not exist.
   const uint64_t first_entry = uint64_t{directory_offset} + 2;
-  const uint64_t present = m_file_size > first_entry ? (m_file_size - first_entry) / kEntryBytes : 0;
+  const uint64_t present =
+      m_file_size > first_entry ? (m_file_size - first_entry) / kEntryBytes : 0;
   const uint64_t count = std::min<uint64_t>(entries, present);
   for (uint64_t index = 0; index < count; ++index) {
     const uint64_t entry_position = first_entry + index * kEntryBytes;
@@ -79,7 +82,8 @@ uint32_t Reader::read_directory(uint32_t directory_offset) {
     const uint16_t tag = TIFF_read_ui16(m_file, m_order);
     const uint16_t type = TIFF_read_ui16(m_file, m_order);
     const uint32_t value_count = TIFF_read_ui32(m_file, m_order);
-    const uint32_t status = read_entry(tag, type, value_count, static_cast<long>(entry_position + 8));
+    const uint32_t status =
+        read_entry(tag, type, value_count, static_cast<long>(entry_position + 8));
     if (status != ZEP_OK) return status;
   }
   return ZEP_OK;
@@ -102,7 +106,8 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
     case kNewSubfileType: {
       if (count != 1) return fail("Expecting 1 entry in NewSubFileType");
       const uint32_t kind = TIFF_read_data(m_file, m_order, type);
-      if (kind != 0 && kind != 2) return fail("Expecting single full resolution image", ZEP_ERR_UNSUPPORTED);
+      if (kind != 0 && kind != 2)
+        return fail("Expecting single full resolution image", ZEP_ERR_UNSUPPORTED);
       return ZEP_OK;
     }
     case kImageWidth:
@@ -119,7 +124,9 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
         return ZEP_OK;
       }
       m_directory.bits = sum_bits_per_sample(count);
-      return m_directory.bits == 24 || m_directory.bits == 32 ? ZEP_OK : fail("unsupported image", ZEP_ERR_UNSUPPORTED);
+      return m_directory.bits == 24 || m_directory.bits == 32
+                 ? ZEP_OK
+                 : fail("unsupported image", ZEP_ERR_UNSUPPORTED);
     case kCompression:
       if (count != 1) return fail("expecting 1 entry in Compression");
       if (TIFF_read_data(m_file, m_order, type) != 1) {
@@ -129,7 +136,8 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
     case kPhotometric:
       if (count != 1) return fail("expecting 1 entry in PhotometricInterp");
       m_directory.photometric = TIFF_read_data(m_file, m_order, type);
-      if (m_directory.photometric > kPalette) return fail("unsupported image type", ZEP_ERR_UNSUPPORTED);
+      if (m_directory.photometric > kPalette)
+        return fail("unsupported image type", ZEP_ERR_UNSUPPORTED);
       return ZEP_OK;
     case kStripOffsets: {
       m_directory.strip_count = count;
@@ -157,8 +165,7 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
       m_directory.palette_length = count / 3;
       m_directory.colour_map_offset = TIFF_read_ui32(m_file, m_order);
       return ZEP_OK;
-    default:
-      return ZEP_OK;
+    default: return ZEP_OK;
   }
 }
 
@@ -183,7 +190,8 @@ uint32_t Reader::decide_format(uint32_t handle) {
   const Directory &d = m_directory;
   const uint64_t width = m_image.width;
   const bool grey = d.photometric == kWhiteIsZero || d.photometric == kBlackIsZero;
-  if (d.photometric == kPalette && d.samples == 1 && (d.bits == 8 || d.bits == 4) && d.has_colour_map) {
+  if (d.photometric == kPalette && d.samples == 1 && (d.bits == 8 || d.bits == 4) &&
+      d.has_colour_map) {
     ZEP_image_set_parameter(handle, ZEP_IMAGE_TYPE, ZEP_PALETTED);
     read_palette();
     m_image.cmap_colours = kColorMapEntries;
@@ -266,7 +274,8 @@ bool Reader::read_pixels() {
 
 uint32_t read_tiff(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = find_image_to_read(kReadName, handle, image); status != ZEP_OK)
+    return status;
   File file = File::open(image->infilename, "rb");
   if (!file) return core::report(kReadName, ZEP_ERR_OPEN, message::kOpenFailed);
   std::FILE *stream = file.get();
@@ -278,14 +287,17 @@ uint32_t read_tiff(uint32_t handle, uint16_t action) {
 
   Reader reader(*image, stream, order, file.size());
   const uint32_t directory_offset = TIFF_read_ui32(stream, order);
-  if (const uint32_t status = reader.read_directory(directory_offset); status != ZEP_OK) return status;
+  if (const uint32_t status = reader.read_directory(directory_offset); status != ZEP_OK)
+    return status;
   if (const uint32_t status = reader.decide_format(handle); status != ZEP_OK) return status;
   if (const uint32_t status = check_read_header(kReadName, handle); status != ZEP_OK) return status;
   image->lines_this_strip = image->height;
-  if (action != ZEP_ACTION_DATA) return finish_without_data(kReadName, file, OpenSlot::TiffRead, action);
+  if (action != ZEP_ACTION_DATA)
+    return finish_without_data(kReadName, file, OpenSlot::TiffRead, action);
 
   const uint64_t needed = uint64_t{image->height} * reader.file_line_bytes();
-  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size()); status != ZEP_OK) return status;
+  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size()); status != ZEP_OK)
+    return status;
   if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
   if (!reader.read_pixels()) {
     ZEP_ErrProcess(ZEP_LIBRARY_NUMBER, kReadName, ZEP_OK, "");

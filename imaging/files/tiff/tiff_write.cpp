@@ -23,15 +23,15 @@ constexpr char kWriteName[] = "ZEP_write_TIFF_file";
 struct FormatEntry {
   uint16_t type;
   uint16_t photometric;
-  uint16_t samples;      // SamplesPerPixel
-  bool bits_as_array;    // BitsPerSample written as an array of 8s, one per sample
+  uint16_t samples;    // SamplesPerPixel
+  bool bits_as_array;  // BitsPerSample written as an array of 8s, one per sample
 };
 
 constexpr FormatEntry kFormats[] = {
-    {ZEP_Y1, kBlackIsZero, 1, false},    {ZEP_Y8, kBlackIsZero, 1, false},
-    {ZEP_Y16, kBlackIsZero, 1, false},   {ZEP_PALETTED, kPalette, 1, false},
-    {ZEP_RGB24, kRgb, 3, true},          {ZEP_BGR24, kRgb, 3, true},
-    {ZEP_BGRX32, kRgb, 3, true},         {ZEP_YUV422, kRgb, 3, true},
+    {ZEP_Y1, kBlackIsZero, 1, false},  {ZEP_Y8, kBlackIsZero, 1, false},
+    {ZEP_Y16, kBlackIsZero, 1, false}, {ZEP_PALETTED, kPalette, 1, false},
+    {ZEP_RGB24, kRgb, 3, true},        {ZEP_BGR24, kRgb, 3, true},
+    {ZEP_BGRX32, kRgb, 3, true},       {ZEP_YUV422, kRgb, 3, true},
     {ZEP_CMYK32, kSeparated, 4, true},
 };
 
@@ -91,7 +91,8 @@ std::vector<uint8_t> build_header(const ZEP_IMAGE &image, const FormatEntry &for
   uint32_t bits = 8;
   if (format.type == ZEP_Y1) bits = 1;
   if (format.type == ZEP_Y16) bits = image.data_width;
-  const uint32_t line_count = format.type == ZEP_Y1 ? (image.width + 7) / 8 : image.width * format.samples;
+  const uint32_t line_count =
+      format.type == ZEP_Y1 ? (image.width + 7) / 8 : image.width * format.samples;
 
   Block block;
   block.put16('M' << 8 | 'M');
@@ -160,7 +161,8 @@ void yuv422_to_rgb(std::span<const uint8_t> yuv, std::span<uint8_t> rgb, uint32_
 
 // The bytes written for one image line in the file's layout; empty for formats whose pixels are
 // not written.
-void build_line(const ZEP_IMAGE &image, uint32_t line, std::vector<uint8_t> &source, std::vector<uint8_t> &out) {
+void build_line(const ZEP_IMAGE &image, uint32_t line, std::vector<uint8_t> &source,
+                std::vector<uint8_t> &out) {
   const uint64_t start = uint64_t{line} * image.bytes_per_line;
   const uint64_t width = image.width;
   auto load = [&](uint64_t bytes) {
@@ -193,9 +195,7 @@ void build_line(const ZEP_IMAGE &image, uint32_t line, std::vector<uint8_t> &sou
       out.resize(static_cast<std::size_t>(width * 3));
       yuv422_to_rgb(source, out, image.width);
       break;
-    default:
-      out.clear();
-      break;
+    default: out.clear(); break;
   }
 }
 
@@ -210,9 +210,11 @@ void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
 
 uint32_t write_tiff(uint32_t handle, uint16_t action) {
   ZEP_IMAGE *image = nullptr;
-  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK) return status;
+  if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK)
+    return status;
   const std::optional<FormatEntry> format = find_format(image->type);
-  if (!format) return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
+  if (!format)
+    return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   if (image->type == ZEP_PALETTED && image->cmap_colours != kColorMapEntries) {
     return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | (image->cmap_colours & 0xFFFF),
                         "Unsupported palette/colourmap size");
@@ -223,7 +225,8 @@ uint32_t write_tiff(uint32_t handle, uint16_t action) {
   const std::vector<uint8_t> header = build_header(*image, *format);
   write_bytes(file.get(), header);
 
-  if (action != ZEP_ACTION_DATA) return finish_without_data(kWriteName, file, OpenSlot::TiffWrite, action);
+  if (action != ZEP_ACTION_DATA)
+    return finish_without_data(kWriteName, file, OpenSlot::TiffWrite, action);
   if (image->lines_this_strip < image->height) {
     write_strip(*image, file.get());
     keep_open(OpenSlot::TiffWrite, std::move(file));
