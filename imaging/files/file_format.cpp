@@ -30,14 +30,14 @@ bool is_tiff(std::FILE *file) {
   if (mark != 'M' && mark != 'I') return false;
   const auto order = static_cast<uint16_t>(mark);
   static_cast<void>(std::fgetc(file));
-  if (TIFF_read_ui16(file, order) != tiff::kMagic) return false;
-  const uint32_t directory = TIFF_read_ui32(file, order);
+  if (tiff::read_ui16(file, order) != tiff::kMagic) return false;
+  const uint32_t directory = tiff::read_ui32(file, order);
   if (std::feof(file) || std::fseek(file, static_cast<long>(directory), SEEK_SET) != 0)
     return false;
-  static_cast<void>(TIFF_read_ui16(file, order));  // entry count
-  static_cast<void>(TIFF_read_ui16(file, order));  // first tag
-  const uint16_t type = TIFF_read_ui16(file, order);
-  static_cast<void>(TIFF_read_ui32(file, order));  // value count
+  static_cast<void>(tiff::read_ui16(file, order));  // entry count
+  static_cast<void>(tiff::read_ui16(file, order));  // first tag
+  const uint16_t type = tiff::read_ui16(file, order);
+  static_cast<void>(tiff::read_ui32(file, order));  // value count
   return !std::feof(file) && !std::ferror(file) && type >= 1 && type <= tiff::kLastFieldType;
 }
 

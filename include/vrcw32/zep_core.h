@@ -13,9 +13,20 @@
 #include <stdint.h>
 #include <stdio.h>
 
+/* Declarations between ZEP_API_BEGIN and ZEP_API_END are what libvrcw32.so exports; the library
+ * is built with hidden visibility for everything else. */
+#if defined(__GNUC__)
+#define ZEP_API_BEGIN _Pragma("GCC visibility push(default)")
+#define ZEP_API_END _Pragma("GCC visibility pop")
+#else
+#define ZEP_API_BEGIN
+#define ZEP_API_END
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* ---- Handles ---------------------------------------------------------------------------- */
 
@@ -300,6 +311,7 @@ char *ZEP_sscanf(char *text, uint16_t *value);
  * null record or argument list. */
 uint32_t ZEP_Util_ParseCommand(void *record, int argc, char **argv);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif

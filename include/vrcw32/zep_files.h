@@ -17,6 +17,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* ---- File-format codes ------------------------------------------------------------------ */
 
@@ -31,10 +32,6 @@ extern "C" {
 
 #define ZEP_ACTION_DATA 3  /* transfer the pixel data, then close */
 #define ZEP_ACTION_CLOSE 4 /* close after the header */
-
-/* TIFF byte-order marks: 'M' (most significant byte first) and 'I' (least significant first). */
-#define ZEP_TIFF_ORDER_MOTOROLA 77
-#define ZEP_TIFF_ORDER_INTEL 73
 
 /* ---- Detection and dispatch ------------------------------------------------------------- */
 
@@ -61,18 +58,13 @@ uint32_t ZEP_convert_to_DIB_w31(uint32_t src, uint32_t dst, uint32_t flags, uint
 
 uint32_t ZEP_write_TIFF_file(uint32_t handle, uint16_t action);
 uint32_t ZEP_read_TIFF_file(uint32_t handle, uint16_t action);
-/* Byte-order readers: most significant byte first when `order` is 77 ('M'), else least. */
-uint16_t TIFF_read_ui16(FILE *file, uint16_t order);
-uint32_t TIFF_read_ui32(FILE *file, uint16_t order);
-/* Reads an entry's value word: a 16-bit value and 16 skipped bits for type 3 (SHORT), else a
- * 32-bit value. */
-uint32_t TIFF_read_data(FILE *file, uint16_t order, uint16_t type);
 
 /* ---- EPS files -------------------------------------------------------------------------- */
 
 uint32_t ZEP_write_EPS_file(uint32_t handle, uint16_t action);
 uint32_t ZEP_read_EPS_file(uint32_t handle, uint16_t action);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif
