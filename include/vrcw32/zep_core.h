@@ -259,6 +259,11 @@ uint32_t ZEP_copy_outfilename(uint32_t dst, uint32_t src);
 uint32_t ZEP_image_set_infilename(uint32_t handle, const char *name);
 uint32_t ZEP_image_set_outfilename(uint32_t handle, const char *name);
 
+/* The name of an image pixel format as tools show it ("RGB24", "Y16"); null for 0, for the working
+ * formats of the codec and processing operations and for codes that are no type. The text is
+ * the library's own and lives as long as the process. */
+const char *ZEP_pixel_format_name(uint32_t type);
+
 /* ---- Errors ----------------------------------------------------------------------------- */
 
 uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t code,

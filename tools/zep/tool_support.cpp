@@ -11,20 +11,6 @@
 namespace zep_tool {
 namespace {
 
-struct TypeName {
-  uint16_t type;
-  const char *name;
-};
-
-constexpr TypeName kTypes[] = {
-    {ZEP_Y1, "Y1"},         {ZEP_Y8, "Y8"},         {ZEP_PALETTED, "PALETTED"},
-    {ZEP_RGB8, "RGB8"},     {ZEP_RGB15, "RGB15"},   {ZEP_RGB16, "RGB16"},
-    {ZEP_RGB24, "RGB24"},   {ZEP_BGR24, "BGR24"},   {ZEP_RGBX32, "RGBX32"},
-    {ZEP_BGRX32, "BGRX32"}, {ZEP_XBGR32, "XBGR32"}, {ZEP_YUV422, "YUV422"},
-    {ZEP_CMYK32, "CMYK32"}, {ZEP_Y16, "Y16"},       {ZEP_XRGB32, "XRGB32"},
-    {ZEP_HSI, "HSI"},
-};
-
 struct FormatName {
   uint16_t format;
   const char *name;
@@ -54,16 +40,15 @@ uint32_t print_report(uint32_t, const char *function_name, uint32_t code, const 
 }  // namespace
 
 const char *type_name(uint32_t type) {
-  for (const TypeName &entry : kTypes) {
-    if (entry.type == type) return entry.name;
-  }
-  return "unknown";
+  const char *name = ZEP_pixel_format_name(type);
+  return name != nullptr ? name : "unknown";
 }
 
 std::optional<uint16_t> type_from_name(std::string_view name) {
   const std::string wanted = upper(name);
-  for (const TypeName &entry : kTypes) {
-    if (wanted == entry.name) return entry.type;
+  for (uint16_t type = 0; type < ZEP_TYPE_LIMIT; ++type) {
+    const char *known = ZEP_pixel_format_name(type);
+    if (known != nullptr && wanted == known) return type;
   }
   return std::nullopt;
 }
