@@ -33,6 +33,24 @@ ZEP_API_BEGIN
 #define ZEP_ACTION_DATA 3  /* transfer the pixel data, then close */
 #define ZEP_ACTION_CLOSE 4 /* close after the header */
 
+/* ---- The file formats the library knows ------------------------------------------------ */
+
+typedef struct ZEP_FILE_FORMAT_INFO {
+  uint16_t code;          /* ZEP_FILE_* */
+  const char *name;       /* "TIFF", as tools show it */
+  const char *extensions; /* file-name extensions, lower case, without dots, blank-separated,
+                             the usual one first: "tif tiff" */
+  uint32_t detected;      /* 1 when ZEP_image_find_file_format recognises the format */
+  uint32_t readable;      /* 1 when ZEP_image_read reads it */
+  uint32_t writable;      /* 1 when ZEP_image_write writes it */
+} ZEP_FILE_FORMAT_INFO;
+
+/* The index-th file format the library knows (0, 1, ...), or null after the last. The record and
+ * its texts belong to the library and live as long as the process. */
+const ZEP_FILE_FORMAT_INFO *ZEP_file_format_info(uint32_t index);
+/* 1 when ZEP_image_write stores pixels of `type` in `format` as they are, else 0. */
+uint32_t ZEP_file_format_stores_type(uint32_t format, uint32_t type);
+
 /* ---- Detection and dispatch ------------------------------------------------------------- */
 
 /* The format of the file at `path` from its first bytes: 0, 3, 8, 9 or 10, or an error code. */
