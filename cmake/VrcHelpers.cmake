@@ -11,9 +11,9 @@ function(vrc_apply_sanitizers)
   endif()
 endfunction()
 
-# Warnings for the project's own targets.
+# Warnings for the project's own targets; errors too when VRC_WERROR is on (as in CI).
 function(vrc_warnings target)
-  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow $<$<BOOL:${VRC_WERROR}>:-Werror>)
 endfunction()
 
 # vrc_add_test_suite(NAME <name> SOURCES <files...> [LIBS <libs...>] [ENV <VAR=value...>]
@@ -55,4 +55,5 @@ function(vrc_add_fuzz)
   target_link_libraries(${ARG_NAME} PRIVATE vrcw32_objects)
   target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
+  vrc_warnings(${ARG_NAME})
 endfunction()

@@ -306,8 +306,8 @@ TEST_P(TiffForeign, ReadsPillowAndLibtiffFiles) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, TiffForeign, testing::Values("pillow", "big-endian", "strips"),
-                         [](const testing::TestParamInfo<const char *> &info) {
-                           std::string name = info.param;
+                         [](const testing::TestParamInfo<const char *> &param_info) {
+                           std::string name = param_info.param;
                            std::erase(name, '-');
                            return name;
                          });
