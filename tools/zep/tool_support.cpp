@@ -14,19 +14,16 @@
 namespace zep_tool {
 namespace {
 
-std::string upper(std::string_view text) {
+// `text` with every character passed through `map` (std::toupper or std::tolower).
+std::string mapped(std::string_view text, int (*map)(int)) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char c) { return std::toupper(c); });
+                 [map](unsigned char c) { return static_cast<char>(map(c)); });
   return result;
 }
 
-std::string lower(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char c) { return std::tolower(c); });
-  return result;
-}
+std::string upper(std::string_view text) { return mapped(text, std::toupper); }
+std::string lower(std::string_view text) { return mapped(text, std::tolower); }
 
 // Whether `extension` (lower case) is one of the format's blank-separated extensions.
 bool has_extension(const ZEP_FILE_FORMAT_INFO &format, const std::string &extension) {
