@@ -24,6 +24,7 @@
 #pragma once
 
 #include "imaging/core/jpeg_record.h"
+#include "imaging/core/report.h"
 #include "vrcw32/zep.h"
 
 #include <cstdint>
@@ -83,5 +84,22 @@ struct JpegImage {
   uint32_t status = 0;
 };
 JpegImage jpeg_image_of(uint32_t handle, const char *function_name);
+
+// Runs `body(record)` on the state block of `jpeg_image` inside the C boundary's guard, reporting
+// under `function_name`.
+template <typename Body>
+uint32_t with_state(uint32_t jpeg_image, const char *function_name, Body body) {
+  return core::api_guard(function_name, [&]() -> uint32_t {
+    const JpegImage target = jpeg_image_of(jpeg_image, function_name);
+    if (target.record == nullptr) return target.status;
+    return body(*target.record);
+  });
+}
+
+// Table set-up of a state block: both quantisation tables with their reciprocals from the
+// quality scale; the four default Huffman tables; the encoding code tables of its Huffman tables.
+void make_quantisation_tables(ZEP_JPEG_RECORD &record);
+void set_default_huffman_tables(ZEP_JPEG_RECORD &record);
+void make_huffman_code_tables(ZEP_JPEG_RECORD &record);
 
 }  // namespace vrc::jpeg

@@ -1,0 +1,53 @@
+// Reciprocal quantisation, scalar and SSE2.
+#include "imaging/files/jpeg/quantise.h"
+
+#include "imaging/files/jpeg/standard_tables.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <emmintrin.h>
+
+namespace vrc::jpeg {
+
+QuantiserTable quantiser_table(const uint32_t reciprocals_zigzag[64]) {
+  QuantiserTable table;
+  for (int k = 0; k < 64; ++k) {
+    table.zigzag[k] = reciprocals_zigzag[k];
+    table.natural16[kZigzagToNatural[k]] =
+        static_cast<uint16_t>(std::min<uint32_t>(reciprocals_zigzag[k], 65535));
+  }
+  return table;
+}
+
+void quantise_scalar(const int16_t *coefficients, const QuantiserTable &table, int16_t *zigzag) {
+  for (int k = 0; k < 64; ++k) {
+    const int32_t value = coefficients[kZigzagToNatural[k]];
+    const int32_t magnitude =
+        static_cast<int32_t>((uint32_t(std::abs(value)) * table.zigzag[k] + 32768u) >> 16);
+    zigzag[k] = static_cast<int16_t>(value < 0 ? -magnitude : magnitude);
+  }
+}
+
+void quantise_sse2(const int16_t *coefficients, const QuantiserTable &table, int16_t *zigzag) {
+  alignas(16) int16_t natural[64];
+  for (int i = 0; i < 64; i += 8) {
+    const __m128i value = _mm_loadu_si128(reinterpret_cast<const __m128i *>(coefficients + i));
+    const __m128i reciprocal =
+        _mm_loadu_si128(reinterpret_cast<const __m128i *>(table.natural16 + i));
+    const __m128i sign = _mm_srai_epi16(value, 15);
+    const __m128i magnitude = _mm_sub_epi16(_mm_xor_si128(value, sign), sign);
+    // (magnitude x reciprocal + 2^15) >> 16: the high half plus the carry of the rounding.
+    const __m128i high = _mm_mulhi_epu16(magnitude, reciprocal);
+    const __m128i carry = _mm_srli_epi16(_mm_mullo_epi16(magnitude, reciprocal), 15);
+    const __m128i rounded = _mm_add_epi16(high, carry);
+    _mm_store_si128(reinterpret_cast<__m128i *>(natural + i),
+                    _mm_sub_epi16(_mm_xor_si128(rounded, sign), sign));
+  }
+  for (int k = 0; k < 64; ++k) zigzag[k] = natural[kZigzagToNatural[k]];
+}
+
+Quantise quantiser(convert::SimdLevel level) {
+  return level == convert::SimdLevel::scalar ? &quantise_scalar : &quantise_sse2;
+}
+
+}  // namespace vrc::jpeg
