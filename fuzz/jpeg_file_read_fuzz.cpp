@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
     ZEP_JPEG_file_read(image);
     if (ZEP_JPEG_file_open(image) == 0 && ZEP_JPEG_sequence_calc_length(image) == 0) {
       const uint32_t frames = ZEP_image_get_parameter(image, ZEP_NUM_FRAMES);
-      for (uint32_t n = 1; n <= frames && n <= 4; ++n) ZEP_JPEG_sequence_extract_frame(image, frame, n);
+      for (uint32_t n = 1; n <= frames && n <= 4; ++n)
+        ZEP_JPEG_sequence_extract_frame(image, frame, n);
       ZEP_JPEG_sequence_extract_frame(image, frame, frames);
     }
     ZEP_JPEG_file_close(image);

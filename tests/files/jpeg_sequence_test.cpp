@@ -34,7 +34,8 @@ class JpegSequence : public testing::Test {
     }
     EXPECT_EQ(ZEP_image_get_parameter(built, ZEP_NUM_FRAMES), count);
     ASSERT_EQ(write_jpeg(built, m_folder.file("sequence.jpg")), 0u);
-    write_seed("jpeg_file_read_fuzz", "sequence" + std::to_string(count) + ".jpg", read_file(m_folder.file("sequence.jpg")));
+    write_seed("jpeg_file_read_fuzz", "sequence" + std::to_string(count) + ".jpg",
+               read_file(m_folder.file("sequence.jpg")));
     ZEP_image_set_infilename(m_sequence, m_folder.file("sequence.jpg").c_str());
     ASSERT_EQ(ZEP_JPEG_file_open(m_sequence), 0u);
     ASSERT_EQ(ZEP_JPEG_sequence_calc_length(m_sequence), 0u);
@@ -73,7 +74,8 @@ TEST_F(JpegSequence, FramesExtractInAnyOrder) {
     ASSERT_EQ(ZEP_JPEG_sequence_extract_frame(m_sequence, frame, n), 0u);
     EXPECT_EQ(ZEP_image_get_parameter(m_sequence, ZEP_CURRENT_FRAME), n);
     ASSERT_EQ(frame.record().length, m_frames[n - 1].size());
-    EXPECT_EQ(Bytes(frame.record().data, frame.record().data + frame.record().length), m_frames[n - 1]);
+    EXPECT_EQ(Bytes(frame.record().data, frame.record().data + frame.record().length),
+              m_frames[n - 1]);
     EXPECT_EQ(frame.image().width, kWidth);
     const Picture decoded = decode(frame);
     EXPECT_EQ(decoded.samples, m_pictures[n - 1].samples);
@@ -90,8 +92,9 @@ TEST_F(JpegSequence, FramesBeyondTheEndAreRefused) {
   EXPECT_EQ(ZEP_JPEG_sequence_set_start_frame(m_sequence, 3), ZEP_ERR_BAD_PARAM);
   EXPECT_EQ(m_errors.last().message, "starting frame > number of frames");
   ASSERT_EQ(ZEP_JPEG_sequence_set_start_frame(m_sequence, 2), 0u);
-  EXPECT_EQ(std::ftell(ZEP_JPEG_get_file_ptr(m_sequence)),
-            long(ZEP_JPEG_get_parameter(m_sequence, ZEP_JPEG_DATA_OFFSET) + m_frames[0].size() + 2));
+  EXPECT_EQ(
+      std::ftell(ZEP_JPEG_get_file_ptr(m_sequence)),
+      long(ZEP_JPEG_get_parameter(m_sequence, ZEP_JPEG_DATA_OFFSET) + m_frames[0].size() + 2));
   EXPECT_EQ(ZEP_JPEG_file_close(m_sequence), 0u);
   EXPECT_EQ(ZEP_JPEG_get_file_ptr(m_sequence), nullptr);
   EXPECT_EQ(ZEP_JPEG_sequence_calc_length(m_sequence), ZEP_ERR_STATE);

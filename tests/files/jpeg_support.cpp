@@ -18,7 +18,8 @@ Picture smooth_picture(uint32_t width, uint32_t height, uint32_t channels) {
       const double ripple = 20.0 * std::sin(x * 0.21) * std::cos(y * 0.17);
       const double across = width > 1 ? 180.0 * x / (width - 1) : 90.0;
       const double down = height > 1 ? 160.0 * y / (height - 1) : 80.0;
-      const double values[3] = {30 + across + ripple, 40 + down - ripple, 220 - 0.5 * (across + down) + ripple};
+      const double values[3] = {30 + across + ripple, 40 + down - ripple,
+                                220 - 0.5 * (across + down) + ripple};
       for (uint32_t c = 0; c < channels; ++c) {
         const double value = channels == 1 ? 0.5 * (values[0] + values[1]) : values[c];
         picture.samples[(std::size_t{y} * width + x) * channels + c] =
@@ -42,7 +43,8 @@ void fill_rows(uint32_t image, uint32_t width, uint32_t height, uint16_t type, c
   ASSERT_EQ(ZEP_image_malloc_a_strip(image), 0u);
   auto &record = *static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
   for (uint32_t y = 0; y < height; ++y)
-    std::copy_n(rows + std::size_t{y} * row_bytes, row_bytes, record.data + std::size_t{y} * record.bytes_per_line);
+    std::copy_n(rows + std::size_t{y} * row_bytes, row_bytes,
+                record.data + std::size_t{y} * record.bytes_per_line);
 }
 
 }  // namespace
@@ -54,12 +56,14 @@ void fill_image(uint32_t image, const Picture &picture, uint16_t type) {
     return;
   }
   ScopedImage rgb;
-  fill_rows(rgb, picture.width, picture.height, ZEP_RGB24, picture.samples.data(), picture.width * 3);
+  fill_rows(rgb, picture.width, picture.height, ZEP_RGB24, picture.samples.data(),
+            picture.width * 3);
   ASSERT_EQ(ZEP_image_convert(rgb, image, type, 0, ZEP_MODE_NEXT_STRIP), 0u);
 }
 
 Picture picture_of(uint32_t image) {
-  const auto *record = static_cast<const ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
+  const auto *record =
+      static_cast<const ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
   ScopedImage converted;
   if (record->type != ZEP_Y8 && record->type != ZEP_RGB24) {
     EXPECT_EQ(ZEP_image_convert(image, converted, ZEP_RGB24, 0, ZEP_MODE_NEXT_STRIP), 0u);
@@ -98,13 +102,15 @@ Picture read_pnm(const std::string &path) {
   if (!in || maxval != 255 || (magic != "P5" && magic != "P6")) return {};
   picture.channels = magic == "P5" ? 1 : 3;
   picture.samples.resize(std::size_t{picture.width} * picture.height * picture.channels);
-  in.read(reinterpret_cast<char *>(picture.samples.data()), static_cast<std::streamsize>(picture.samples.size()));
+  in.read(reinterpret_cast<char *>(picture.samples.data()),
+          static_cast<std::streamsize>(picture.samples.size()));
   return in ? picture : Picture{};
 }
 
 void write_pnm(const std::string &path, const Picture &picture) {
   std::ostringstream header;
-  header << (picture.channels == 1 ? "P5" : "P6") << "\n" << picture.width << " " << picture.height << "\n255\n";
+  header << (picture.channels == 1 ? "P5" : "P6") << "\n"
+         << picture.width << " " << picture.height << "\n255\n";
   const std::string text = header.str();
   Bytes bytes(text.begin(), text.end());
   bytes.insert(bytes.end(), picture.samples.begin(), picture.samples.end());
@@ -114,7 +120,8 @@ void write_pnm(const std::string &path, const Picture &picture) {
 Picture djpeg(const std::string &jpeg_path, const std::string &options) {
   const std::string out = jpeg_path + ".pnm";
   int status = 0;
-  const std::string said = run_command("djpeg " + options + " -pnm -outfile " + out + " " + jpeg_path + " 2>&1", &status);
+  const std::string said = run_command(
+      "djpeg " + options + " -pnm -outfile " + out + " " + jpeg_path + " 2>&1", &status);
   EXPECT_EQ(status, 0) << said;
   return read_pnm(out);
 }
@@ -123,8 +130,9 @@ Bytes cjpeg(const Picture &picture, const std::string &options) {
   TempDir folder;
   write_pnm(folder.file("in.pnm"), picture);
   int status = 0;
-  const std::string said =
-      run_command("cjpeg " + options + " -outfile " + folder.file("out.jpg") + " " + folder.file("in.pnm") + " 2>&1", &status);
+  const std::string said = run_command("cjpeg " + options + " -outfile " + folder.file("out.jpg") +
+                                           " " + folder.file("in.pnm") + " 2>&1",
+                                       &status);
   EXPECT_EQ(status, 0) << said;
   return read_file(folder.file("out.jpg"));
 }
@@ -146,7 +154,8 @@ Bytes jpeg_file(uint16_t type, uint32_t width, uint32_t height, uint16_t quality
 
 Picture decode(uint32_t jpeg) {
   ScopedImage decoded;
-  const auto *record = static_cast<const ZEP_IMAGE *>(ZEP_image_get_ptr(jpeg, ZEP_IMAGE_RECORD_PTR));
+  const auto *record =
+      static_cast<const ZEP_IMAGE *>(ZEP_image_get_ptr(jpeg, ZEP_IMAGE_RECORD_PTR));
   ZEP_image_set_parameter(decoded, ZEP_IMAGE_TYPE, record->type == ZEP_Y8 ? ZEP_Y8 : ZEP_RGB24);
   ZEP_image_set_parameter(decoded, ZEP_IMAGE_WIDTH, record->width);
   ZEP_image_set_parameter(decoded, ZEP_IMAGE_HEIGHT, record->height);

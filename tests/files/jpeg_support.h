@@ -49,7 +49,9 @@ class ScopedJpeg {
   ScopedJpeg(const ScopedJpeg &) = delete;
   ScopedJpeg &operator=(const ScopedJpeg &) = delete;
   operator uint32_t() const { return m_handle; }
-  ZEP_IMAGE &image() const { return *static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(m_handle, ZEP_IMAGE_RECORD_PTR)); }
+  ZEP_IMAGE &image() const {
+    return *static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(m_handle, ZEP_IMAGE_RECORD_PTR));
+  }
   ZEP_JPEG_RECORD &record() const {
     return *static_cast<ZEP_JPEG_RECORD *>(ZEP_image_get_ptr(m_handle, ZEP_JPEG_RECORD_PTR));
   }

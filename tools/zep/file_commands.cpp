@@ -98,7 +98,7 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
         if (!request.quality) {
           std::fprintf(stderr,
                        "zep: quality '%s' is not a JPEG quality scale from %u to %u (16: the "
-                       "standard tables, larger: smaller files)\n",
+                       "standard tables, larger: finer)\n",
                        value, kLowestQuality, kHighestQuality);
           return std::nullopt;
         }
@@ -129,9 +129,10 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   }
   if (!request.format) request.format = format_from_extension(request.output);
   if (!request.format) {
-    std::fprintf(stderr,
-                 "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|jpeg|raw\n",
-                 request.output);
+    std::fprintf(
+        stderr,
+        "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|jpeg|raw\n",
+        request.output);
     return std::nullopt;
   }
   return request;

@@ -59,9 +59,12 @@ uint32_t read_jpeg(uint32_t image, const char *path) {
   if (ZEP_IS_ERROR(status)) return status;
   const uint32_t type = ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_TYPE);
   ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type == ZEP_Y8 ? ZEP_Y8 : ZEP_RGB24);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_WIDTH));
-  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
+  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH,
+                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_WIDTH));
+  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT,
+                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP,
+                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
   return ZEP_JPEG_decompress(jpeg.handle(), image);
 }
 
