@@ -332,38 +332,30 @@ TEST(JpegRefusals, OtherCodingProcesses) {
   }
 }
 
-// Damaged files: each is read from disk and from memory (where truncation has its own message)
-// and stored as a seed of both fuzz targets.
-struct BadJpeg {
-  const char *name;
-  std::function<void(Bytes &)> damage;
-  uint32_t code;
-  const char *message;  // "Unexpected end of file" reads "Unexpected end of JPEG stream" in memory
-};
-
-inline void PrintTo(const BadJpeg &bad, std::ostream *out) { *out << bad.name; }
-
-class DamagedJpeg : public testing::TestWithParam<BadJpeg> {};
+// Damaged files (BadFile: a file damaged one way, named for its defect): each is read from disk
+// and from memory, where truncation reads "Unexpected end of JPEG stream", and stored as a seed of
+// both fuzz targets.
+class DamagedJpeg : public testing::TestWithParam<BadFile> {};
 
 TEST_P(DamagedJpeg, IsRefusedWithItsMessage) {
-  const BadJpeg &bad = GetParam();
-  Bytes file = jpeg_file(ZEP_YUV422, 32, 16);
-  bad.damage(file);
-  write_seed("jpeg_file_read_fuzz", std::string(bad.name) + ".jpg", file);
+  const BadFile &bad = GetParam();
+  TempDir folder;
+  const std::string path =
+      write_damaged(folder, jpeg_file(ZEP_YUV422, 32, 16), bad, "jpeg_file_read_fuzz", ".jpg");
+  const Bytes file = read_file(path);
   write_seed("jpeg_buffer_read_fuzz", std::string(bad.name) + ".jpg", file);
   ErrorCapture errors;
-  TempDir folder;
-  write_file(folder.file("bad.jpg"), file);
   ScopedJpeg from_file, opened, from_memory;
-  EXPECT_EQ(read_jpeg(from_file, folder.file("bad.jpg")), bad.code);
+  EXPECT_EQ(read_jpeg(from_file, path), bad.code);
   ASSERT_GE(errors.count(), 1u);
   EXPECT_EQ(errors.last().function, "ZEP_JPEG_file_read");
   EXPECT_EQ(errors.last().message, bad.message);
-  ZEP_image_set_infilename(opened, folder.file("bad.jpg").c_str());
+  ZEP_image_set_infilename(opened, path.c_str());
   EXPECT_EQ(ZEP_JPEG_file_open(opened), bad.code);
   EXPECT_EQ(ZEP_JPEG_get_file_ptr(opened), nullptr);
-  EXPECT_EQ(ZEP_JPEG_buffer_read(from_memory, file.data(), static_cast<uint32_t>(file.size())),
-            bad.code);
+  const uint8_t no_bytes = 0;  // an empty file is still a buffer, not a missing one
+  const uint8_t *bytes = file.empty() ? &no_bytes : file.data();
+  EXPECT_EQ(ZEP_JPEG_buffer_read(from_memory, bytes, static_cast<uint32_t>(file.size())), bad.code);
   const std::string memory_message = std::string(bad.message) == "Unexpected end of file"
                                          ? "Unexpected end of JPEG stream"
                                          : bad.message;
@@ -378,50 +370,50 @@ void put_u16(Bytes &file, std::size_t at, uint32_t value) {
 INSTANTIATE_TEST_SUITE_P(
     Defects, DamagedJpeg,
     testing::Values(
-        BadJpeg{"Empty", [](Bytes &f) { f.clear(); }, ZEP_ERR_UNEXPECTED,
+        BadFile{"Empty", [](Bytes &f) { f.clear(); }, ZEP_ERR_UNEXPECTED,
                 "Expecting PREFIX marker"},
-        BadJpeg{"NoSoi", [](Bytes &f) { f[1] = 0xD9; }, ZEP_ERR_UNEXPECTED, "Expecting SOI marker"},
-        BadJpeg{"GarbageForMarker", [](Bytes &f) { f[segment_at(f, 0xDB)] = 0x42; },
+        BadFile{"NoSoi", [](Bytes &f) { f[1] = 0xD9; }, ZEP_ERR_UNEXPECTED, "Expecting SOI marker"},
+        BadFile{"GarbageForMarker", [](Bytes &f) { f[segment_at(f, 0xDB)] = 0x42; },
                 ZEP_ERR_UNEXPECTED | 0x42, "Expecting 0xFF marker code"},
-        BadJpeg{"UnknownMarker", [](Bytes &f) { f[segment_at(f, 0xDB) + 1] = 0xE5; },
+        BadFile{"UnknownMarker", [](Bytes &f) { f[segment_at(f, 0xDB) + 1] = 0xE5; },
                 ZEP_ERR_UNEXPECTED | 0xE5, "Unrecognised marker detected"},
-        BadJpeg{"TruncatedInDht", [](Bytes &f) { f.resize(segment_at(f, 0xC4) + 40); },
+        BadFile{"TruncatedInDht", [](Bytes &f) { f.resize(segment_at(f, 0xC4) + 40); },
                 ZEP_ERR_UNEXPECTED, "Unexpected end of file"},
-        BadJpeg{"TruncatedInSof", [](Bytes &f) { f.resize(segment_at(f, 0xC0) + 7); },
+        BadFile{"TruncatedInSof", [](Bytes &f) { f.resize(segment_at(f, 0xC0) + 7); },
                 ZEP_ERR_UNEXPECTED, "Unexpected end of file"},
-        BadJpeg{"CommentLengthPastEnd",
+        BadFile{"CommentLengthPastEnd",
                 [](Bytes &f) { put_u16(f, segment_at(f, 0xFE) + 2, 0xFFF0); }, ZEP_ERR_UNEXPECTED,
                 "Unexpected end of file"},
-        BadJpeg{"DqtSixteenBit", [](Bytes &f) { f[segment_at(f, 0xDB) + 4] = 0x10; },
+        BadFile{"DqtSixteenBit", [](Bytes &f) { f[segment_at(f, 0xDB) + 4] = 0x10; },
                 ZEP_ERR_UNSUPPORTED, "16 bit integer precision not supported"},
-        BadJpeg{"DqtTableTwo", [](Bytes &f) { f[segment_at(f, 0xDB) + 4] = 0x02; },
+        BadFile{"DqtTableTwo", [](Bytes &f) { f[segment_at(f, 0xDB) + 4] = 0x02; },
                 ZEP_ERR_UNSUPPORTED, "Unsupported quantisation table"},
-        BadJpeg{"DhtThreeCodesOfOneBit", [](Bytes &f) { f[segment_at(f, 0xC4) + 5] = 3; },
+        BadFile{"DhtThreeCodesOfOneBit", [](Bytes &f) { f[segment_at(f, 0xC4) + 5] = 3; },
                 ZEP_ERR_UNEXPECTED, "Impossible Huffman code counts"},
-        BadJpeg{"DhtShorterThanItsTable",
+        BadFile{"DhtShorterThanItsTable",
                 [](Bytes &f) { put_u16(f, segment_at(f, 0xC4) + 2, 2 + 17 + 5); },
                 ZEP_ERR_UNEXPECTED, "Impossible Huffman code counts"},
-        BadJpeg{"DhtClassTwo", [](Bytes &f) { f[segment_at(f, 0xC4) + 4] = 0x20; },
+        BadFile{"DhtClassTwo", [](Bytes &f) { f[segment_at(f, 0xC4) + 4] = 0x20; },
                 ZEP_ERR_UNSUPPORTED, "Unsupported Huffman table"},
-        BadJpeg{"SofTwoComponents", [](Bytes &f) { f[segment_at(f, 0xC0) + 9] = 2; },
+        BadFile{"SofTwoComponents", [](Bytes &f) { f[segment_at(f, 0xC0) + 9] = 2; },
                 ZEP_ERR_UNSUPPORTED, "Unsupported image depth"},
-        BadJpeg{"SofSampling1x2", [](Bytes &f) { f[segment_at(f, 0xC0) + 11] = 0x12; },
+        BadFile{"SofSampling1x2", [](Bytes &f) { f[segment_at(f, 0xC0) + 11] = 0x12; },
                 ZEP_ERR_UNSUPPORTED, "Unknown colour image format"},
-        BadJpeg{"SofPrecision16", [](Bytes &f) { f[segment_at(f, 0xC0) + 4] = 16; },
+        BadFile{"SofPrecision16", [](Bytes &f) { f[segment_at(f, 0xC0) + 4] = 16; },
                 ZEP_ERR_UNSUPPORTED, "Unsupported sample precision"},
-        BadJpeg{"SofOverflowingSize",
+        BadFile{"SofOverflowingSize",
                 [](Bytes &f) {
                   put_u16(f, segment_at(f, 0xC0) + 5, 0xFFFF);
                   put_u16(f, segment_at(f, 0xC0) + 7, 0xFFFF);
                 },
                 ZEP_ERR_UNEXPECTED, "Image data runs past end of file"},
-        BadJpeg{"SofFarBeyondTheFile",
+        BadFile{"SofFarBeyondTheFile",
                 [](Bytes &f) {
                   put_u16(f, segment_at(f, 0xC0) + 5, 12000);
                   put_u16(f, segment_at(f, 0xC0) + 7, 12000);
                 },
                 ZEP_ERR_UNEXPECTED, "Image data runs past end of file"}),
-    [](const testing::TestParamInfo<BadJpeg> &info) { return info.param.name; });
+    bad_file_name);
 
 // A file that ends after its header segments opens with JPEG data flagged and no data read; a
 // file without a JPEG record, or a missing file, is refused.
@@ -450,6 +442,15 @@ TEST(JpegRecord, HeaderOnlyFilesAndRecordParameters) {
   EXPECT_EQ(errors.last().message, "No buffer to read from");
   EXPECT_EQ(write_jpeg(jpeg, folder.file("no/such/folder.jpg")), ZEP_ERR_OPEN);
   EXPECT_EQ(errors.last().message, "Failed to create file");
+
+  ScopedJpeg copy;
+  jpeg.record().quant[1][5] = 77;
+  ASSERT_EQ(ZEP_JPEG_copy_parameters(jpeg, copy), 0u);
+  EXPECT_EQ(copy.record().quant[1][5], 77);
+  EXPECT_EQ(ZEP_JPEG_copy_parameters(jpeg, plain), ZEP_ERR_HANDLE);
+  EXPECT_EQ(errors.last().message, "Not a JPEG image");
+  EXPECT_EQ(ZEP_JPEG_copy_parameters(jpeg, 0xFFFF), ZEP_ERR_HANDLE);
+  EXPECT_EQ(errors.last().message, "Output image does not exist");
 
   ASSERT_EQ(ZEP_JPEG_malloc_N_bytes_data(jpeg, 100), 0u);
   EXPECT_EQ(ZEP_image_get_parameter(jpeg, ZEP_JPEG_LENGTH), 100u);
