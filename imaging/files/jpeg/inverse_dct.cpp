@@ -87,4 +87,23 @@ InverseDct inverse_dct(convert::SimdLevel level) {
   return level == convert::SimdLevel::scalar ? &inverse_dct_scalar : &inverse_dct_sse2;
 }
 
+namespace {
+
+template <InverseDct kSingle>
+void pair_of_singles(const int16_t *in_a, const int16_t *in_b, uint8_t *a, std::ptrdiff_t stride_a,
+                     uint8_t *b, std::ptrdiff_t stride_b) {
+  kSingle(in_a, a, stride_a);
+  kSingle(in_b, b, stride_b);
+}
+
+}  // namespace
+
+InverseDctPair inverse_dct_pair(convert::SimdLevel level) {
+  switch (level) {
+    case convert::SimdLevel::avx2: return &inverse_dct_pair_avx2;
+    case convert::SimdLevel::sse2: return &pair_of_singles<&inverse_dct_sse2>;
+    default: return &pair_of_singles<&inverse_dct_scalar>;
+  }
+}
+
 }  // namespace vrc::jpeg
