@@ -192,7 +192,7 @@ uint32_t decompress_no_data(uint32_t plain, uint32_t jpeg) {
 uint32_t decompress_411_strips(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_DATA16_C);
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_HEIGHT, 64);
-  ZEP_image_set_parameter(plain, ZEP_LINES_THIS_STRIP, 24);
+  ZEP_image_set_parameter(jpeg, ZEP_LINES_THIS_STRIP, 24);
   return ZEP_JPEG_decompress(jpeg, plain);
 }
 

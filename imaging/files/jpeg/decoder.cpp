@@ -60,7 +60,9 @@ uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
                         "Unsupported image format");
   ZEP_IMAGE *target = core::record_or_report(destination, kDecompress);
   if (target == nullptr) return ZEP_ERR_HANDLE;
-  const uint32_t strip = target->lines_this_strip;
+  // A JPEG image whose strips are shorter than the picture is decoded a strip of MCUs at a time;
+  // 4:1:1 MCUs are 16 lines high.
+  const uint32_t strip = source.image->lines_this_strip;
   if (sampling->luma_v == 2 && strip != 0 && strip < source.image->height && strip % 16 != 0)
     return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | (strip & 0xFFFF),
                         "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines");
