@@ -1,6 +1,8 @@
 // Test support for the JPEG codec.
 #include "jpeg/codec_support.h"
 
+#include "fuzz/jpeg_entropy_input.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -121,11 +123,15 @@ Bytes stream_of(uint32_t jpeg_image) {
   return data == nullptr ? Bytes{} : Bytes(data, data + length);
 }
 
-void write_seed(const char *target, const char *name, const Bytes &bytes) {
-  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
+void write_entropy_seed(const std::string &name, uint16_t type, uint32_t width, uint32_t height,
+                        bool rgb_output, const Bytes &stream) {
+  const int selector = fuzz::entropy_selector(type, width, height, rgb_output);
+  if (selector < 0) return;
+  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / "jpeg_entropy_fuzz";
   std::filesystem::create_directories(folder);
   std::ofstream out(folder / name, std::ios::binary);
-  out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.put(static_cast<char>(selector));
+  out.write(reinterpret_cast<const char *>(stream.data()), static_cast<std::streamsize>(stream.size()));
 }
 
 }  // namespace vrc::test

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace vrc::test {
@@ -57,7 +58,10 @@ uint32_t jpeg_with_stream(uint16_t type, uint32_t width, uint32_t height, const 
 // The JPEG image's entropy-coded data.
 Bytes stream_of(uint32_t jpeg_image);
 
-// Writes `bytes` as seed `name` of the fuzz target `target`.
-void write_seed(const char *target, const char *name, const Bytes &bytes);
+// Writes `stream`, the entropy data of a picture of `type` and size, as seed `name` of the entropy
+// decoder's fuzz target (after the byte that selects that header; sizes without a header of the
+// target are not written).
+void write_entropy_seed(const std::string &name, uint16_t type, uint32_t width, uint32_t height,
+                        bool rgb_output, const Bytes &stream);
 
 }  // namespace vrc::test

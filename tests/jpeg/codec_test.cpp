@@ -298,7 +298,7 @@ TEST_P(MalformedTest, FailsWithItsMessage) {
   EXPECT_EQ(errors.last().function, "ZEP_JPEG_decompress_1_strip");
   EXPECT_EQ(errors.last().code, c.code);
   EXPECT_EQ(errors.last().message, c.message);
-  write_seed("jpeg_entropy_fuzz", c.name, c.stream);
+  write_entropy_seed(c.name, c.type, 16, 8, false, c.stream);
   ZEP_image_destroy(jpeg);
 }
 
@@ -350,10 +350,58 @@ TEST(Codec, EoiAfterCompleteDataIsNoError) {
   const uint32_t with_eoi = jpeg_with_stream(ZEP_YUV422, 32, 16, stream);
   ASSERT_EQ(ZEP_JPEG_decompress(with_eoi, decoded), 0u);
   EXPECT_EQ(errors.count(), 0u);
-  write_seed("jpeg_entropy_fuzz", "colour_32x16_eoi", stream);
+  write_entropy_seed("colour_32x16_eoi", ZEP_YUV422, 32, 16, false, stream);
   ZEP_image_destroy(with_eoi);
   ZEP_image_destroy(jpeg);
 }
+
+}  // namespace
+}  // namespace vrc::test
+
+namespace vrc::test {
+namespace {
+
+uint64_t fnv1a(const Bytes &bytes) {
+  uint64_t hash = 0xcbf29ce484222325ull;
+  for (const uint8_t b : bytes) hash = (hash ^ b) * 0x100000001b3ull;
+  return hash;
+}
+
+struct Fingerprint {
+  uint16_t source_type;
+  uint16_t decoded_type;
+  uint64_t stream;
+  uint64_t pixels;
+};
+
+// The stream and the decoded pixels of fixed pictures, fingerprinted. The suite runs once with
+// the vector stages and once with VRC_FORCE_SCALAR=1: both runs must give these same bytes.
+class FingerprintTest : public ::testing::TestWithParam<Fingerprint> {};
+
+TEST_P(FingerprintTest, EveryPathGivesTheSameBytes) {
+  const Fingerprint &c = GetParam();
+  ErrorCapture errors;
+  ScopedImage source, decoded;
+  make_test_picture(source, c.source_type, 203, 121);
+  const uint32_t jpeg = compressed(source);
+  ZEP_image_set_parameter(decoded, ZEP_IMAGE_TYPE, c.decoded_type);
+  ASSERT_EQ(ZEP_JPEG_decompress(jpeg, decoded), 0u);
+  EXPECT_EQ(fnv1a(stream_of(jpeg)), c.stream) << std::hex << fnv1a(stream_of(jpeg));
+  EXPECT_EQ(fnv1a(picture_bytes(decoded)), c.pixels) << std::hex << fnv1a(picture_bytes(decoded));
+  write_entropy_seed("fingerprint_" + std::to_string(c.source_type), record_of(jpeg).type, 203,
+                     121, c.decoded_type == ZEP_RGB24, stream_of(jpeg));
+  ZEP_image_destroy(jpeg);
+}
+
+INSTANTIATE_TEST_SUITE_P(Pictures, FingerprintTest,
+                         ::testing::Values(Fingerprint{ZEP_Y8, 0, 0x76678a181c358e21,
+                                                       0xe3dfe52b8b8edd46},
+                                           Fingerprint{ZEP_YUV422, 0, 0x933efa6f0a73bea1,
+                                                       0xc087d201afd332a5},
+                                           Fingerprint{ZEP_BGR24, ZEP_RGB24, 0xae1acf3ce29fbf97,
+                                                       0xcaa86877604cd666},
+                                           Fingerprint{ZEP_BGRX32, ZEP_BGRX32, 0xae1acf3ce29fbf97,
+                                                       0xc0427825870731b6}));
 
 }  // namespace
 }  // namespace vrc::test

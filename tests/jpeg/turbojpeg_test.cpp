@@ -85,9 +85,8 @@ TEST_P(TurboStreamTest, OurDecoderGivesTurboJpegsPlanes) {
       const uint8_t chroma = planes[x % 2 == 0 ? 1 : 2][(y / chroma_rows) * chroma_stride + x / 2];
       ASSERT_EQ(line[2 * x + 1], chroma) << (x % 2 ? "V " : "U ") << x << "," << y;
     }
-  write_seed("jpeg_entropy_fuzz",
-             ("turbo_" + std::to_string(c.subsampling) + "_" + std::to_string(c.width)).c_str(),
-             stream_of(jpeg));
+  write_entropy_seed("turbo_" + std::to_string(c.subsampling) + "_" + std::to_string(c.width),
+                     record_of(jpeg).type, c.width, c.height, false, stream_of(jpeg));
   ZEP_image_destroy(jpeg);
 }
 
