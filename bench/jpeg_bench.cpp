@@ -59,7 +59,8 @@ Frame make_frame() {
   f.v.resize(f.u.size());
   for (std::size_t i = 0; i < f.grey.size(); i += 2) {
     const uint32_t a = ZEP_CK_get_YUV_values_RGB(f.bgr[3 * i + 2], f.bgr[3 * i + 1], f.bgr[3 * i]);
-    const uint32_t b = ZEP_CK_get_YUV_values_RGB(f.bgr[3 * i + 5], f.bgr[3 * i + 4], f.bgr[3 * i + 3]);
+    const uint32_t b =
+        ZEP_CK_get_YUV_values_RGB(f.bgr[3 * i + 5], f.bgr[3 * i + 4], f.bgr[3 * i + 3]);
     const uint8_t u = static_cast<uint8_t>((((a >> 8) & 0xFF) + ((b >> 8) & 0xFF)) / 2);
     const uint8_t v = static_cast<uint8_t>(((a >> 16) + (b >> 16)) / 2);
     uint8_t *pair = &f.yuv422[2 * i];
@@ -106,8 +107,8 @@ struct Turbo {
     const unsigned char *planes[3] = {f.y.data(), f.u.data(), f.v.data()};
     unsigned char *out = buffer.data();
     length = buffer.size();
-    tjCompressFromYUVPlanes(compressor, planes, kWidth, nullptr, kHeight, TJSAMP_422, &out,
-                            &length, kTurboQuality, kTurboFlags);
+    tjCompressFromYUVPlanes(compressor, planes, kWidth, nullptr, kHeight, TJSAMP_422, &out, &length,
+                            kTurboQuality, kTurboFlags);
   }
 };
 
@@ -226,10 +227,12 @@ int main(int argc, char **argv) {
   add("ours/decode_yuv422_turbo_stream",
       [](benchmark::State &st) { decode_ours(st, &Setup::turbo_422_jpeg, ZEP_YUV422); });
   add("turbo/decode_yuv422_planes", [](benchmark::State &st) { decode_turbo_planes(st); });
-  add("ours/decode_rgb24", [](benchmark::State &st) { decode_ours(st, &Setup::yuv_jpeg, ZEP_RGB24); });
+  add("ours/decode_rgb24",
+      [](benchmark::State &st) { decode_ours(st, &Setup::yuv_jpeg, ZEP_RGB24); });
   add("ours/decode_rgb24_turbo_stream",
       [](benchmark::State &st) { decode_ours(st, &Setup::turbo_422_jpeg, ZEP_RGB24); });
-  add("turbo/decode_rgb24", [](benchmark::State &st) { decode_turbo(st, &Setup::turbo_422, TJPF_RGB); });
+  add("turbo/decode_rgb24",
+      [](benchmark::State &st) { decode_turbo(st, &Setup::turbo_422, TJPF_RGB); });
 
   benchmark::Initialize(&argc, argv);
   CollectingReporter reporter;
@@ -242,7 +245,8 @@ int main(int argc, char **argv) {
       {"decode grey", "ours/decode_grey", "turbo/decode_grey"},
       {"decode grey (its stream)", "ours/decode_grey_turbo_stream", "turbo/decode_grey"},
       {"decode 4:2:2 to YUV", "ours/decode_yuv422", "turbo/decode_yuv422_planes"},
-      {"decode 4:2:2 to YUV (its)", "ours/decode_yuv422_turbo_stream", "turbo/decode_yuv422_planes"},
+      {"decode 4:2:2 to YUV (its)", "ours/decode_yuv422_turbo_stream",
+       "turbo/decode_yuv422_planes"},
       {"decode 4:2:2 to RGB24", "ours/decode_rgb24", "turbo/decode_rgb24"},
       {"decode 4:2:2 RGB24 (its)", "ours/decode_rgb24_turbo_stream", "turbo/decode_rgb24"},
   };

@@ -9,7 +9,7 @@
 namespace vrc::fuzz {
 
 struct EntropyHeader {
-  uint16_t type;    // ZEP_Y8, ZEP_YUV422 or ZEP_DATA16_C (4:1:1)
+  uint16_t type;  // ZEP_Y8, ZEP_YUV422 or ZEP_DATA16_C (4:1:1)
   uint32_t width;
   uint32_t height;
   uint16_t output;  // destination type: 0 (the natural one) or ZEP_RGB24

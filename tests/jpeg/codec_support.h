@@ -29,7 +29,9 @@ struct Rgb {
 inline Rgb test_colour(uint32_t x, uint32_t y) {
   const int ripple = static_cast<int>(12.0 * std::sin(x * 0.35) * std::cos(y * 0.27));
   const int edge = (x / 11 + y / 7) % 5 == 0 ? 40 : 0;
-  auto level = [](int value) { return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value)); };
+  auto level = [](int value) {
+    return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
+  };
   return {level(60 + int(x * 3 % 160) + ripple + edge), level(40 + int(y * 5 % 170) - ripple),
           level(200 - int((x + y) * 2 % 150) + edge / 2)};
 }

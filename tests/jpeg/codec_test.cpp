@@ -215,34 +215,35 @@ TEST_P(RefusalTest, ReportsOnceWithItsMessage) {
 
 INSTANTIATE_TEST_SUITE_P(
     Refusals, RefusalTest,
-    ::testing::Values(
-        Refusal{"compress_into_plain", compress_into_plain, "ZEP_JPEG_compress", 0x10040000,
-                "Not a JPEG image"},
-        Refusal{"decompress_plain", decompress_plain, "ZEP_JPEG_decompress", 0x10040000,
-                "Not a JPEG image"},
-        Refusal{"mono_plain", mono_plain, "ZEP_JPEG_ConvertToMonoYUV", 0x10040000,
-                "Not a JPEG image"},
-        Refusal{"quality_zero", quality_zero, "ZEP_JPEG_set_Quality_factor", 0x10030000,
-                "Q factor of range"},
-        Refusal{"quality_401", quality_401, "ZEP_JPEG_set_Quality_factor", 0x10030000,
-                "Q factor of range"},
-        Refusal{"factor_1", factor_1, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
-                "Q factor of range"},
-        Refusal{"factor_801", factor_801, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
-                "Q factor of range"},
-        Refusal{"compress_strip", compress_strip, "ZEP_JPEG_compress", 0x10070004,
-                "This function only supports a complete image"},
-        Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
-                "Unsupported image format"},
-        Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
-                "Corrupt image", 2},
-        Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress",
-                0x10070007, "Unsupported image format"},
-        Refusal{"decompress_no_data", decompress_no_data, "ZEP_JPEG_decompress_1_strip",
-                0x100C0002, "Buffer failed to fill at start"},
-        Refusal{"decompress_411_strips", decompress_411_strips, "ZEP_JPEG_decompress_1_strip",
-                0x10070018, "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    ::testing::Values(Refusal{"compress_into_plain", compress_into_plain, "ZEP_JPEG_compress",
+                              0x10040000, "Not a JPEG image"},
+                      Refusal{"decompress_plain", decompress_plain, "ZEP_JPEG_decompress",
+                              0x10040000, "Not a JPEG image"},
+                      Refusal{"mono_plain", mono_plain, "ZEP_JPEG_ConvertToMonoYUV", 0x10040000,
+                              "Not a JPEG image"},
+                      Refusal{"quality_zero", quality_zero, "ZEP_JPEG_set_Quality_factor",
+                              0x10030000, "Q factor of range"},
+                      Refusal{"quality_401", quality_401, "ZEP_JPEG_set_Quality_factor", 0x10030000,
+                              "Q factor of range"},
+                      Refusal{"factor_1", factor_1, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
+                              "Q factor of range"},
+                      Refusal{"factor_801", factor_801, "ZEP_JPEG_set_Quantization_factor",
+                              0x10030000, "Q factor of range"},
+                      Refusal{"compress_strip", compress_strip, "ZEP_JPEG_compress", 0x10070004,
+                              "This function only supports a complete image"},
+                      Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
+                              "Unsupported image format"},
+                      Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
+                              "Corrupt image", 2},
+                      Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress",
+                              0x10070007, "Unsupported image format"},
+                      Refusal{"decompress_no_data", decompress_no_data,
+                              "ZEP_JPEG_decompress_1_strip", 0x100C0002,
+                              "Buffer failed to fill at start"},
+                      Refusal{"decompress_411_strips", decompress_411_strips,
+                              "ZEP_JPEG_decompress_1_strip", 0x10070018,
+                              "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines"}),
+    [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // --- Malformed entropy data ----------------------------------------------------------------
 
@@ -306,9 +307,15 @@ INSTANTIATE_TEST_SUITE_P(
     Streams, MalformedTest,
     ::testing::Values(
         // Sixteen 1 bits (a stuffed 0xFF byte and more) match no luminance DC code.
-        Malformed{"grey_dc_no_code", ZEP_Y8, {0xFF, 0x00, 0xFF, 0x00}, 0x100C0003,
+        Malformed{"grey_dc_no_code",
+                  ZEP_Y8,
+                  {0xFF, 0x00, 0xFF, 0x00},
+                  0x100C0003,
                   "corrupt DC Huffman sequence"},
-        Malformed{"colour_dc_no_code", ZEP_YUV422, {0xFF, 0x00, 0xFF, 0x00}, 0x100C0003,
+        Malformed{"colour_dc_no_code",
+                  ZEP_YUV422,
+                  {0xFF, 0x00, 0xFF, 0x00},
+                  0x100C0003,
                   "Y1: corrupt DC Huffman sequence"},
         Malformed{"grey_ac_no_code", ZEP_Y8, stream({dc_luma(0), raw("1111111111111111")}),
                   0x100C0004, "corrupt AC Huffman sequence"},
@@ -337,7 +344,7 @@ INSTANTIATE_TEST_SUITE_P(
         // The same data without the marker: past the end 1 bits are fed, which match no code.
         Malformed{"colour_truncated", ZEP_YUV422, flat_y1_y2_then({}), 0x100C0003,
                   "U: corrupt DC Huffman sequence"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // A complete stream followed by EOI decodes: bits are taken past the data only when needed.
 TEST(Codec, EoiAfterCompleteDataIsNoError) {
@@ -388,20 +395,17 @@ TEST_P(FingerprintTest, EveryPathGivesTheSameBytes) {
   ASSERT_EQ(ZEP_JPEG_decompress(jpeg, decoded), 0u);
   EXPECT_EQ(fnv1a(stream_of(jpeg)), c.stream) << std::hex << fnv1a(stream_of(jpeg));
   EXPECT_EQ(fnv1a(picture_bytes(decoded)), c.pixels) << std::hex << fnv1a(picture_bytes(decoded));
-  write_entropy_seed("fingerprint_" + std::to_string(c.source_type), record_of(jpeg).type, 203,
-                     121, c.decoded_type == ZEP_RGB24, stream_of(jpeg));
+  write_entropy_seed("fingerprint_" + std::to_string(c.source_type), record_of(jpeg).type, 203, 121,
+                     c.decoded_type == ZEP_RGB24, stream_of(jpeg));
   ZEP_image_destroy(jpeg);
 }
 
-INSTANTIATE_TEST_SUITE_P(Pictures, FingerprintTest,
-                         ::testing::Values(Fingerprint{ZEP_Y8, 0, 0x76678a181c358e21,
-                                                       0xe3dfe52b8b8edd46},
-                                           Fingerprint{ZEP_YUV422, 0, 0x933efa6f0a73bea1,
-                                                       0xc087d201afd332a5},
-                                           Fingerprint{ZEP_BGR24, ZEP_RGB24, 0xae1acf3ce29fbf97,
-                                                       0xcaa86877604cd666},
-                                           Fingerprint{ZEP_BGRX32, ZEP_BGRX32, 0xae1acf3ce29fbf97,
-                                                       0xc0427825870731b6}));
+INSTANTIATE_TEST_SUITE_P(
+    Pictures, FingerprintTest,
+    ::testing::Values(Fingerprint{ZEP_Y8, 0, 0x76678a181c358e21, 0xe3dfe52b8b8edd46},
+                      Fingerprint{ZEP_YUV422, 0, 0x933efa6f0a73bea1, 0xc087d201afd332a5},
+                      Fingerprint{ZEP_BGR24, ZEP_RGB24, 0xae1acf3ce29fbf97, 0xcaa86877604cd666},
+                      Fingerprint{ZEP_BGRX32, ZEP_BGRX32, 0xae1acf3ce29fbf97, 0xc0427825870731b6}));
 
 }  // namespace
 }  // namespace vrc::test

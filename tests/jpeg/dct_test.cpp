@@ -56,7 +56,9 @@ Samples test_block(std::mt19937 &rng, int kind) {
     const int x = i % 8, y = i / 8;
     switch (kind % 4) {
       case 0: s[i] = static_cast<uint8_t>(rng() & 0xFF); break;
-      case 1: s[i] = static_cast<uint8_t>(std::clamp(40 + 20 * x + 9 * y + int(rng() % 7), 0, 255)); break;
+      case 1:
+        s[i] = static_cast<uint8_t>(std::clamp(40 + 20 * x + 9 * y + int(rng() % 7), 0, 255));
+        break;
       case 2: s[i] = (x + y) % 2 ? 255 : 0; break;
       default: s[i] = rng() % 2 ? 255 : 0; break;
     }

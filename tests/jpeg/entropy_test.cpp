@@ -42,8 +42,7 @@ TEST_P(BitWriterTest, WritesStuffedPaddedBytes) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, BitWriterTest,
     ::testing::Values(
-        WriterCase{"nothing", {}, {}},
-        WriterCase{"padding_with_ones", {{0b101, 3}}, {0xBF}},
+        WriterCase{"nothing", {}, {}}, WriterCase{"padding_with_ones", {{0b101, 3}}, {0xBF}},
         WriterCase{"ff_is_stuffed", {{0xFF, 8}}, {0xFF, 0x00}},
         WriterCase{"ff_from_padding_is_stuffed", {{0xF, 4}}, {0xFF, 0x00}},
         WriterCase{"ff_across_codes", {{0x7, 3}, {0x1F, 5}, {0x12, 8}}, {0xFF, 0x00, 0x12}},
@@ -54,7 +53,7 @@ INSTANTIATE_TEST_SUITE_P(
         WriterCase{"word_without_ff",
                    {{0x01020304, 32}, {0x05060708, 32}, {0x3, 2}},
                    {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0xFF, 0x00}}),
-    [](const auto &info) { return std::string(info.param.name); });
+    [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // Random codes of 1 to 32 bits written and read back, with many 0xFF bytes among them.
 TEST(BitReader, ReadsBackWhatTheWriterWrote) {

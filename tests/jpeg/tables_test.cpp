@@ -78,8 +78,8 @@ TEST(Tables, QualityScale16IsAnnexKAsTurboJpegWritesIt) {
 TEST(Tables, QuantisationFactor50GivesScale16) {
   ErrorCapture errors;
   const uint32_t jpeg = ZEP_JPEG_image_create();
-  for (const auto &[factor, scale] :
-       std::vector<std::pair<uint16_t, uint32_t>>{{50, 16}, {2, 400}, {800, 1}, {100, 8}, {3, 266}}) {
+  for (const auto &[factor, scale] : std::vector<std::pair<uint16_t, uint32_t>>{
+           {50, 16}, {2, 400}, {800, 1}, {100, 8}, {3, 266}}) {
     ASSERT_EQ(ZEP_JPEG_set_Quantization_factor(jpeg, factor), 0u);
     EXPECT_EQ(jpeg_record(jpeg).quality_scale, scale) << factor;
   }
@@ -168,8 +168,8 @@ TEST_P(HuffmanCodeTest, CodeTableHoldsTheStandardCode) {
 INSTANTIATE_TEST_SUITE_P(
     AnnexK, HuffmanCodeTest,
     ::testing::Values(KnownCode{0, 0, "00"}, KnownCode{0, 1, "010"}, KnownCode{0, 5, "110"},
-                      KnownCode{0, 6, "1110"}, KnownCode{0, 11, "111111110"},
-                      KnownCode{1, 0, "00"}, KnownCode{1, 2, "10"}, KnownCode{1, 3, "110"},
+                      KnownCode{0, 6, "1110"}, KnownCode{0, 11, "111111110"}, KnownCode{1, 0, "00"},
+                      KnownCode{1, 2, "10"}, KnownCode{1, 3, "110"},
                       KnownCode{1, 11, "11111111110"}, KnownCode{2, 0x00, "1010"},
                       KnownCode{2, 0x01, "00"}, KnownCode{2, 0x03, "100"},
                       KnownCode{2, 0x11, "1100"}, KnownCode{2, 0xF0, "11111111001"},

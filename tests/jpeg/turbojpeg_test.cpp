@@ -94,8 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
     Streams, TurboStreamTest,
     ::testing::Values(TurboStream{TJSAMP_GRAY, 50, 64, 48}, TurboStream{TJSAMP_GRAY, 90, 17, 9},
                       TurboStream{TJSAMP_422, 50, 64, 48}, TurboStream{TJSAMP_422, 75, 20, 12},
-                      TurboStream{TJSAMP_422, 95, 1921, 1081},
-                      TurboStream{TJSAMP_420, 50, 64, 48}, TurboStream{TJSAMP_420, 85, 33, 17}));
+                      TurboStream{TJSAMP_422, 95, 1921, 1081}, TurboStream{TJSAMP_420, 50, 64, 48},
+                      TurboStream{TJSAMP_420, 85, 33, 17}));
 
 // With the same tables (quality 50 / quality scale 16) and 4:2:2, our RGB round trip is within a
 // dB of TurboJPEG's (its colour conversion and chroma differ from ours in rounding only).

@@ -92,10 +92,10 @@ void forward_pass(Block<L> &b) {
     b.r[4] = L::template slli16<kPass1Bits>(L::sub16(tmp10, tmp11));
   }
   const Pairs<L> p13_12 = interleave<L>(tmp13, tmp12);
-  b.r[2] = descale<kOddBits>(
-      products(p13_12, kFix_0_541196100 + kFix_0_765366865, kFix_0_541196100));
-  b.r[6] = descale<kOddBits>(
-      products(p13_12, kFix_0_541196100, kFix_0_541196100 - kFix_1_847759065));
+  b.r[2] =
+      descale<kOddBits>(products(p13_12, kFix_0_541196100 + kFix_0_765366865, kFix_0_541196100));
+  b.r[6] =
+      descale<kOddBits>(products(p13_12, kFix_0_541196100, kFix_0_541196100 - kFix_1_847759065));
 
   const Pairs<L> z34 = interleave<L>(L::add16(tmp4, tmp6), L::add16(tmp5, tmp7));
   const Wide<L> zc = products(z34, kFix_1_175875602 - kFix_1_961570560, kFix_1_175875602);
@@ -130,22 +130,22 @@ void inverse_pass(Block<L> &b) {
   // Odd part: each output is in7, in1, in3 and in5 times combined constants.
   const Pairs<L> p71 = interleave<L>(b.r[7], b.r[1]);
   const Pairs<L> p35 = interleave<L>(b.r[3], b.r[5]);
-  const Wide<L> odd0 = add(
-      products(p71, kFix_0_298631336 - kFix_0_899976223 + kC1175 - kFix_1_961570560,
-               kC1175 - kFix_0_899976223),
-      products(p35, kC1175 - kFix_1_961570560, kC1175));
-  const Wide<L> odd3 = add(
-      products(p71, kC1175 - kFix_0_899976223,
-               kFix_1_501321110 - kFix_0_899976223 + kC1175 - kFix_0_390180644),
-      products(p35, kC1175, kC1175 - kFix_0_390180644));
-  const Wide<L> odd1 = add(
-      products(p71, kC1175, kC1175 - kFix_0_390180644),
-      products(p35, kC1175 - kFix_2_562915447,
-               kFix_2_053119869 - kFix_2_562915447 + kC1175 - kFix_0_390180644));
-  const Wide<L> odd2 = add(
-      products(p71, kC1175 - kFix_1_961570560, kC1175),
-      products(p35, kFix_3_072711026 - kFix_2_562915447 + kC1175 - kFix_1_961570560,
-               kC1175 - kFix_2_562915447));
+  const Wide<L> odd0 =
+      add(products(p71, kFix_0_298631336 - kFix_0_899976223 + kC1175 - kFix_1_961570560,
+                   kC1175 - kFix_0_899976223),
+          products(p35, kC1175 - kFix_1_961570560, kC1175));
+  const Wide<L> odd3 =
+      add(products(p71, kC1175 - kFix_0_899976223,
+                   kFix_1_501321110 - kFix_0_899976223 + kC1175 - kFix_0_390180644),
+          products(p35, kC1175, kC1175 - kFix_0_390180644));
+  const Wide<L> odd1 =
+      add(products(p71, kC1175, kC1175 - kFix_0_390180644),
+          products(p35, kC1175 - kFix_2_562915447,
+                   kFix_2_053119869 - kFix_2_562915447 + kC1175 - kFix_0_390180644));
+  const Wide<L> odd2 =
+      add(products(p71, kC1175 - kFix_1_961570560, kC1175),
+          products(p35, kFix_3_072711026 - kFix_2_562915447 + kC1175 - kFix_1_961570560,
+                   kC1175 - kFix_2_562915447));
 
   b.r[0] = descale<kBits>(add(tmp10, odd3));
   b.r[7] = descale<kBits>(sub(tmp10, odd3));

@@ -9,8 +9,8 @@
 #include "imaging/files/jpeg/inverse_dct.h"
 #include "imaging/files/jpeg/standard_tables.h"
 
-#include <cstring>
 #include <emmintrin.h>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -153,7 +153,8 @@ class ScanDecoder {
     for (const BlockPlace &place : m_places) {
       int16_t *block = m_blocks[m_pending];
       bool dc_only = false;
-      const BlockError error = decode_block(m_reader, m_components[place.component], block, dc_only);
+      const BlockError error =
+          decode_block(m_reader, m_components[place.component], block, dc_only);
       if (error != BlockError::none) return report(error, place.prefix);
       const Rows &rows = m_rows[place.component];
       const uint32_t x = place.component == 0 ? mcu_x + place.x : mcu_x / 2;

@@ -97,9 +97,8 @@ void build_shared_tables() {
 }  // namespace vrc::jpeg
 
 extern "C" uint32_t ZEP_JPEG_decompress(uint32_t jpeg_image, uint32_t destination) {
-  return vrc::core::api_guard(vrc::jpeg::kDecompress, [&] {
-    return vrc::jpeg::decompress(jpeg_image, destination);
-  });
+  return vrc::core::api_guard(vrc::jpeg::kDecompress,
+                              [&] { return vrc::jpeg::decompress(jpeg_image, destination); });
 }
 
 extern "C" uint32_t ZEP_JPEG_generate_Huffman_decode_tables(void) {

@@ -99,14 +99,15 @@ void encode_yuv422(const ScanSource &source, BlockCoder &coder) {
   uint8_t *const y_rows = planes.data();
   uint8_t *const u_rows = y_rows + 8 * width;
   uint8_t *const v_rows = u_rows + 8 * pairs;
+  const BgrToPlanes bgr_rows = bgr_to_planes(convert::active_simd_level());
   for (uint32_t y = 0; y < source.height; y += 8) {
     for (uint32_t line = 0; line < 8; ++line) {
       const uint8_t *row = source.pixels + (y + line) * source.stride;
       const PlaneRows out{y_rows + line * width, u_rows + line * pairs, v_rows + line * pairs};
       switch (source.layout) {
         case ScanLayout::yuv422: yuv422_to_planes(row, pairs, out); break;
-        case ScanLayout::bgr24: bgr_to_planes(row, 3, pairs, out); break;
-        default: bgr_to_planes(row, 4, pairs, out); break;
+        case ScanLayout::bgr24: bgr_rows(row, 3, pairs, out); break;
+        default: bgr_rows(row, 4, pairs, out); break;
       }
     }
     for (uint32_t x = 0; x < width; x += 16) {

@@ -10,9 +10,9 @@ void forward_dct_pair_avx2(const uint8_t *a, std::ptrdiff_t stride_a, const uint
   Block<Avx2Lanes> block;
   const __m256i centre = _mm256_set1_epi16(128);
   for (int row = 0; row < 8; ++row) {
-    const __m128i rows = _mm_unpacklo_epi64(
-        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(a + row * stride_a)),
-        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(b + row * stride_b)));
+    const __m128i rows =
+        _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(a + row * stride_a)),
+                           _mm_loadl_epi64(reinterpret_cast<const __m128i *>(b + row * stride_b)));
     block.r[row] = _mm256_sub_epi16(_mm256_cvtepu8_epi16(rows), centre);
   }
   forward_transform(block);

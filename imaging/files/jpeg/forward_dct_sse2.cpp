@@ -9,7 +9,8 @@ void forward_dct_sse2(const uint8_t *samples, std::ptrdiff_t stride, int16_t *co
   const __m128i zero = _mm_setzero_si128();
   const __m128i centre = _mm_set1_epi16(128);
   for (int row = 0; row < 8; ++row) {
-    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i *>(samples + row * stride));
+    const __m128i bytes =
+        _mm_loadl_epi64(reinterpret_cast<const __m128i *>(samples + row * stride));
     b.r[row] = _mm_sub_epi16(_mm_unpacklo_epi8(bytes, zero), centre);
   }
   forward_transform(b);

@@ -4,10 +4,10 @@
 
 #include "imaging/files/jpeg/standard_tables.h"
 
+#include <emmintrin.h>
 #include <array>
 #include <bit>
 #include <cstdlib>
-#include <emmintrin.h>
 
 namespace vrc::jpeg {
 namespace {
@@ -35,8 +35,10 @@ inline uint64_t natural_nonzero_mask(const int16_t *block) {
   const __m128i zero = _mm_setzero_si128();
   uint64_t mask = 0;
   for (int i = 0; i < 64; i += 16) {
-    const __m128i a = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(block + i)), zero);
-    const __m128i b = _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(block + i + 8)), zero);
+    const __m128i a =
+        _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(block + i)), zero);
+    const __m128i b =
+        _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i *>(block + i + 8)), zero);
     const auto zeros = static_cast<uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(a, b)));
     mask |= uint64_t{~zeros & 0xFFFF} << i;
   }

@@ -79,7 +79,8 @@ void inverse_dct_dc_only(int16_t dc, uint8_t *samples, std::ptrdiff_t stride) {
   // Pass 1 gives dc << kPass1Bits (saturated) in every row of column 0 and 0 elsewhere; pass 2
   // then gives that value x 2^13 descaled by 18 bits in every sample.
   const int16_t column = saturate16(int32_t{dc} * (1 << kPass1Bits));
-  const uint8_t value = to_sample(descale(int64_t{column} << kConstBits, kConstBits + kPass1Bits + 3));
+  const uint8_t value =
+      to_sample(descale(int64_t{column} << kConstBits, kConstBits + kPass1Bits + 3));
   for (int row = 0; row < 8; ++row) std::memset(samples + row * stride, value, 8);
 }
 

@@ -1,11 +1,11 @@
 // Inverse 8 x 8 DCT of the decoder: the integer Loeffler-Ligtenberg-Moschytz method with the same
 // 13-bit constants as the forward transform, columns then rows; results + 128 clamped to 0..255.
 //
-// Arithmetic contract shared by the scalar, SSE2 and AVX2 (two blocks at once) versions, so that both give the same
-// pixels for every input, damaged streams included: products and sums are taken modulo 2^32, each
-// pass rounds by adding half and shifting right arithmetically, the first pass's results are
-// saturated to 16 bits, and the second pass's results are saturated to 16 bits before 128 is
-// added (again saturating) and the sum clamped to 0..255.
+// Arithmetic contract shared by the scalar, SSE2 and AVX2 (two blocks at once) versions, so that
+// both give the same pixels for every input, damaged streams included: products and sums are taken
+// modulo 2^32, each pass rounds by adding half and shifting right arithmetically, the first pass's
+// results are saturated to 16 bits, and the second pass's results are saturated to 16 bits before
+// 128 is added (again saturating) and the sum clamped to 0..255.
 #pragma once
 
 #include "imaging/convert/simd_level.h"

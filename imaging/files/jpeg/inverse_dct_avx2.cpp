@@ -17,7 +17,8 @@ void inverse_dct_pair_avx2(const int16_t *in_a, const int16_t *in_b, uint8_t *a,
   for (int row = 0; row < 8; ++row) {
     const __m256i shifted = _mm256_adds_epi16(block.r[row], centre);
     const __m256i bytes = _mm256_packus_epi16(shifted, shifted);  // a's row, then b's, per half
-    _mm_storel_epi64(reinterpret_cast<__m128i *>(a + row * stride_a), _mm256_castsi256_si128(bytes));
+    _mm_storel_epi64(reinterpret_cast<__m128i *>(a + row * stride_a),
+                     _mm256_castsi256_si128(bytes));
     _mm_storel_epi64(reinterpret_cast<__m128i *>(b + row * stride_b),
                      _mm256_extracti128_si256(bytes, 1));
   }

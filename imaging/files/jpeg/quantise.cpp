@@ -3,9 +3,9 @@
 
 #include "imaging/files/jpeg/standard_tables.h"
 
+#include <emmintrin.h>
 #include <algorithm>
 #include <cstdlib>
-#include <emmintrin.h>
 
 namespace vrc::jpeg {
 

@@ -35,8 +35,9 @@ struct Sse2Lanes {
   static V set32(int v) { return _mm_set1_epi32(v); }
   // 16-bit lanes alternating ca, cb.
   static V pair(short ca, short cb) {
-    return _mm_set1_epi32(static_cast<int>(static_cast<unsigned short>(ca) |
-                                           (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
+    return _mm_set1_epi32(
+        static_cast<int>(static_cast<unsigned short>(ca) |
+                         (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
   }
 };
 
@@ -67,8 +68,9 @@ struct Avx2Lanes {
   static V set16(short v) { return _mm256_set1_epi16(v); }
   static V set32(int v) { return _mm256_set1_epi32(v); }
   static V pair(short ca, short cb) {
-    return _mm256_set1_epi32(static_cast<int>(static_cast<unsigned short>(ca) |
-                                              (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
+    return _mm256_set1_epi32(
+        static_cast<int>(static_cast<unsigned short>(ca) |
+                         (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
   }
 };
 #endif
