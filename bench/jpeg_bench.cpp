@@ -12,12 +12,13 @@
 
 #include "imaging/convert/simd_level.h"
 
+#include "bench/collecting_reporter.h"
+
 #include <benchmark/benchmark.h>
 #include <turbojpeg.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -170,22 +171,6 @@ void decode_turbo_planes(benchmark::State &state) {
                             kWidth, nullptr, kHeight, kTurboFlags);
 }
 
-// Collects each run's real time (milliseconds) by name while printing the usual console output.
-class CollectingReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run> &runs) override {
-    for (const Run &run : runs) m_ms[run.benchmark_name()] = run.GetAdjustedRealTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-  double ms(const std::string &name) const {
-    const auto found = m_ms.find(name);
-    return found == m_ms.end() ? 0.0 : found->second;
-  }
-
- private:
-  std::map<std::string, double> m_ms;
-};
-
 struct Comparison {
   const char *path;
   const char *ours;
@@ -235,7 +220,7 @@ int main(int argc, char **argv) {
       [](benchmark::State &st) { decode_turbo(st, &Setup::turbo_422, TJPF_RGB); });
 
   benchmark::Initialize(&argc, argv);
-  CollectingReporter reporter;
+  vrc::bench::CollectingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
   const Comparison comparisons[] = {
