@@ -1,6 +1,8 @@
-// The transform stages: forward and inverse DCT against a double-precision DCT, the scalar,
+// The arithmetic stages: forward and inverse DCT against a double-precision DCT, the scalar,
 // SSE2 and AVX2 versions against each other (forward on any samples, inverse on any coefficients,
-// damaged streams' included), the DC-only shortcut, and quantisation.
+// damaged streams' included), the DC-only shortcut, quantisation, and the encoder's colour
+// conversion.
+#include "imaging/files/jpeg/encoder_colour.h"
 #include "imaging/files/jpeg/forward_dct.h"
 #include "imaging/files/jpeg/inverse_dct.h"
 #include "imaging/files/jpeg/quantise.h"
@@ -186,6 +188,46 @@ TEST(Quantise, VectorVersionGivesTheScalarValues) {
                                                           : std::floor(exact + 0.5)));
     }
   }
+}
+
+// Y = (306 R + 601 G + 117 B) >> 10 per pixel; U = ((512 B - 339 G - 173 R) >> 11) + 128 and
+// V = ((512 R - 429 G - 83 B) >> 11) + 128 from the sums of the pair (arithmetic shifts).
+TEST(EncoderColour, FollowsTheFormula) {
+  const uint8_t red_pair[] = {0, 0, 255, 0, 0, 255};  // B G R, twice
+  const uint8_t mixed_pair[] = {10, 200, 30, 250, 0, 100};
+  uint8_t y[2], u, v;
+  bgr_to_planes_scalar(red_pair, 3, 1, {y, &u, &v});
+  EXPECT_EQ(y[0], 76);  // 78030 >> 10
+  EXPECT_EQ(u, 84);     // (-88230 >> 11) + 128 = -44 + 128
+  EXPECT_EQ(v, 255);    // (261120 >> 11) + 128
+  bgr_to_planes_scalar(mixed_pair, 3, 1, {y, &u, &v});
+  EXPECT_EQ(y[0], (306 * 30 + 601 * 200 + 117 * 10) >> 10);
+  EXPECT_EQ(y[1], (306 * 100 + 601 * 0 + 117 * 250) >> 10);
+  EXPECT_EQ(u, ((512 * 260 - 339 * 200 - 173 * 130) >> 11) + 128);
+  EXPECT_EQ(v, ((512 * 130 - 429 * 200 - 83 * 260) >> 11) + 128);
+}
+
+// Every version of the colour conversion gives the scalar formula's bytes, over row lengths that
+// end inside and outside a vector step and on the colours that reach the ends of U and V.
+TEST(EncoderColour, VersionsGiveTheScalarRows) {
+  std::mt19937 rng(86);
+  for (const int pixel_bytes : {3, 4})
+    for (uint32_t pairs = 1; pairs <= 40; ++pairs) {
+      std::vector<uint8_t> pixels(2 * pairs * pixel_bytes + 8);
+      for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = pairs % 3 == 0 ? (rng() % 2 ? 255 : 0) : static_cast<uint8_t>(rng());
+      std::vector<uint8_t> want(4 * pairs);
+      bgr_to_planes_scalar(pixels.data(), pixel_bytes, pairs,
+                           {want.data(), want.data() + 2 * pairs, want.data() + 3 * pairs});
+      for (const BgrToPlanes version : {&bgr_to_planes_sse2, &bgr_to_planes_avx2}) {
+        if (version == &bgr_to_planes_avx2 && !convert::simd_level_supported(SimdLevel::avx2))
+          continue;
+        std::vector<uint8_t> got(4 * pairs);
+        version(pixels.data(), pixel_bytes, pairs,
+                {got.data(), got.data() + 2 * pairs, got.data() + 3 * pairs});
+        ASSERT_EQ(got, want) << pixel_bytes << " bytes, " << pairs << " pairs";
+      }
+    }
 }
 
 }  // namespace

@@ -103,7 +103,11 @@ void bgr_to_planes_sse2(const uint8_t *pixels, int pixel_bytes, uint32_t pairs,
 }
 
 BgrToPlanes bgr_to_planes(convert::SimdLevel level) {
-  return level == convert::SimdLevel::scalar ? &bgr_to_planes_scalar : &bgr_to_planes_sse2;
+  switch (level) {
+    case convert::SimdLevel::avx2: return &bgr_to_planes_avx2;
+    case convert::SimdLevel::sse2: return &bgr_to_planes_sse2;
+    default: return &bgr_to_planes_scalar;
+  }
 }
 
 void yuv422_to_planes(const uint8_t *pairs_in, uint32_t pairs, const PlaneRows &out) {

@@ -24,6 +24,9 @@ void bgr_to_planes_scalar(const uint8_t *pixels, int pixel_bytes, uint32_t pairs
 // The same values, four pixels per register.
 void bgr_to_planes_sse2(const uint8_t *pixels, int pixel_bytes, uint32_t pairs,
                         const PlaneRows &out);
+// Eight pixels per register (processors with AVX2).
+void bgr_to_planes_avx2(const uint8_t *pixels, int pixel_bytes, uint32_t pairs,
+                        const PlaneRows &out);
 BgrToPlanes bgr_to_planes(convert::SimdLevel level);
 
 // `pairs` Y0 U Y1 V pairs into the three rows.
