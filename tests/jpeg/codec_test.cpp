@@ -187,6 +187,12 @@ uint32_t decompress_rgb24_type(uint32_t plain, uint32_t jpeg) {
 }
 uint32_t decompress_no_data(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_YUV422);
+  ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB24);
+  return ZEP_JPEG_decompress(jpeg, plain);
+}
+uint32_t decompress_colour_to_rgb16(uint32_t plain, uint32_t jpeg) {
+  ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_YUV422);
+  ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB16);
   return ZEP_JPEG_decompress(jpeg, plain);
 }
 uint32_t decompress_411_strips(uint32_t plain, uint32_t jpeg) {
@@ -215,34 +221,35 @@ TEST_P(RefusalTest, ReportsOnceWithItsMessage) {
 
 INSTANTIATE_TEST_SUITE_P(
     Refusals, RefusalTest,
-    ::testing::Values(Refusal{"compress_into_plain", compress_into_plain, "ZEP_JPEG_compress",
-                              0x10040000, "Not a JPEG image"},
-                      Refusal{"decompress_plain", decompress_plain, "ZEP_JPEG_decompress",
-                              0x10040000, "Not a JPEG image"},
-                      Refusal{"mono_plain", mono_plain, "ZEP_JPEG_ConvertToMonoYUV", 0x10040000,
-                              "Not a JPEG image"},
-                      Refusal{"quality_zero", quality_zero, "ZEP_JPEG_set_Quality_factor",
-                              0x10030000, "Q factor of range"},
-                      Refusal{"quality_401", quality_401, "ZEP_JPEG_set_Quality_factor", 0x10030000,
-                              "Q factor of range"},
-                      Refusal{"factor_1", factor_1, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
-                              "Q factor of range"},
-                      Refusal{"factor_801", factor_801, "ZEP_JPEG_set_Quantization_factor",
-                              0x10030000, "Q factor of range"},
-                      Refusal{"compress_strip", compress_strip, "ZEP_JPEG_compress", 0x10070004,
-                              "This function only supports a complete image"},
-                      Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
-                              "Unsupported image format"},
-                      Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
-                              "Corrupt image", 2},
-                      Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress",
-                              0x10070007, "Unsupported image format"},
-                      Refusal{"decompress_no_data", decompress_no_data,
-                              "ZEP_JPEG_decompress_1_strip", 0x100C0002,
-                              "Buffer failed to fill at start"},
-                      Refusal{"decompress_411_strips", decompress_411_strips,
-                              "ZEP_JPEG_decompress_1_strip", 0x10070018,
-                              "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines"}),
+    ::testing::Values(
+        Refusal{"compress_into_plain", compress_into_plain, "ZEP_JPEG_compress", 0x10040000,
+                "Not a JPEG image"},
+        Refusal{"decompress_plain", decompress_plain, "ZEP_JPEG_decompress", 0x10040000,
+                "Not a JPEG image"},
+        Refusal{"mono_plain", mono_plain, "ZEP_JPEG_ConvertToMonoYUV", 0x10040000,
+                "Not a JPEG image"},
+        Refusal{"quality_zero", quality_zero, "ZEP_JPEG_set_Quality_factor", 0x10030000,
+                "Q factor of range"},
+        Refusal{"quality_401", quality_401, "ZEP_JPEG_set_Quality_factor", 0x10030000,
+                "Q factor of range"},
+        Refusal{"factor_1", factor_1, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
+                "Q factor of range"},
+        Refusal{"factor_801", factor_801, "ZEP_JPEG_set_Quantization_factor", 0x10030000,
+                "Q factor of range"},
+        Refusal{"compress_strip", compress_strip, "ZEP_JPEG_compress", 0x10070004,
+                "This function only supports a complete image"},
+        Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
+                "Unsupported image format"},
+        Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
+                "Corrupt image", 2},
+        Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress", 0x10070007,
+                "Unsupported image format"},
+        Refusal{"decompress_no_data", decompress_no_data, "ZEP_JPEG_decompress_1_strip", 0x100C0002,
+                "Buffer failed to fill at start"},
+        Refusal{"decompress_colour_to_rgb16", decompress_colour_to_rgb16,
+                "ZEP_JPEG_decompress_1_strip", 0x10070006, "Unsupported image type/pixel format"},
+        Refusal{"decompress_411_strips", decompress_411_strips, "ZEP_JPEG_decompress_1_strip",
+                0x10070018, "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines"}),
     [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // --- Malformed entropy data ----------------------------------------------------------------
@@ -285,7 +292,7 @@ Bytes flat_y1_y2_then(std::initializer_list<Code> rest) {
   return builder.bytes();
 }
 
-// Every stream below is decoded as a 16 x 8 picture.
+// Every stream below is decoded as a 16 x 8 picture (one MCU of 4:2:2, half one of 4:1:1).
 class MalformedTest : public ::testing::TestWithParam<Malformed> {};
 
 TEST_P(MalformedTest, FailsWithItsMessage) {
@@ -333,6 +340,19 @@ INSTANTIATE_TEST_SUITE_P(
                   "corrupt AC Huffman sequence (> 63 coeffs read)"},
         Malformed{"grey_run_past_the_end", ZEP_Y8, run_past_the_end(), 0x100C0005,
                   "corrupt AC Huffman sequence (> 63 coeffs read)"},
+        Malformed{"yuv411_y3_dc_no_code", ZEP_DATA16_C, flat_y1_y2_then({raw("111111111111")}),
+                  0x100C0003, "Y3: corrupt DC Huffman sequence"},
+        Malformed{"yuv411_v_ac_no_code", ZEP_DATA16_C,
+                  [] {
+                    StreamBuilder builder;
+                    for (int block = 0; block < 4; ++block)
+                      for (const Code &code : kFlatLuma) builder.put(code);
+                    for (const Code &code :
+                         {dc_chroma(0), ac_chroma(kEob), dc_chroma(0), raw("1111111111111111")})
+                      builder.put(code);
+                    return builder.bytes();
+                  }(),
+                  0x100C0004, "V: corrupt AC Huffman sequence"},
         // The data ends after Y1 and Y2 at an EOI marker: U needs bits beyond it.
         Malformed{"colour_eoi_inside", ZEP_YUV422,
                   [] {
