@@ -1,6 +1,6 @@
 // zep demo: makes images in several pixel formats, prints their parameters and writes each as a
-// BMP, TIFF and EPS file into a folder. Formats a file cannot hold are converted first to RGB24
-// (colour) or Y8 (grey).
+// BMP, TIFF, EPS and JPEG file into a folder. Formats a file cannot hold are converted first to
+// RGB24 (colour) or Y8 (grey).
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
@@ -36,7 +36,7 @@ struct FileKind {
 };
 
 constexpr FileKind kFileKinds[] = {
-    {ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tif"}, {ZEP_FILE_EPS, "eps"}};
+    {ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tif"}, {ZEP_FILE_EPS, "eps"}, {ZEP_FILE_JPEG, "jpg"}};
 
 void print_parameters(const char *label, uint32_t image) {
   std::printf("%-8s type %3u  %4u x %-4u  depth %2u  bytes/line %5u  strip bytes %7u\n", label,

@@ -3,6 +3,7 @@
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -31,6 +32,7 @@ int describe(const char *path) {
     std::fprintf(stderr, "zep: %s: not a BMP, TIFF, EPS or JPEG file\n", path);
     return kFailure;
   }
+  if (format == ZEP_FILE_JPEG) return describe_jpeg(path);
   Image image;
   if (!image.created()) return kFailure;
   ZEP_image_set_infilename(image.handle(), path);
@@ -59,14 +61,26 @@ struct ConvertRequest {
   const char *output = nullptr;
   std::optional<uint16_t> format;
   std::optional<uint16_t> type;
+  std::optional<uint16_t> quality;  // JPEG quality scale
 };
 
-// Parses IN OUT [--format F] [--type T]; a message and nullopt on a mistake.
+constexpr unsigned kLowestQuality = 1;
+constexpr unsigned kHighestQuality = 400;
+
+std::optional<uint16_t> quality_from_text(const char *text) {
+  char *end = nullptr;
+  const unsigned long value = std::strtoul(text, &end, 10);
+  if (end == text || *end != '\0' || value < kLowestQuality || value > kHighestQuality)
+    return std::nullopt;
+  return static_cast<uint16_t>(value);
+}
+
+// Parses IN OUT [--format F] [--type T] [--quality Q]; a message and nullopt on a mistake.
 std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   ConvertRequest request;
   for (int i = 0; i < argc; ++i) {
     const std::string argument = argv[i];
-    if (argument == "--format" || argument == "--type") {
+    if (argument == "--format" || argument == "--type" || argument == "--quality") {
       if (i + 1 == argc) {
         std::fprintf(stderr, "zep: %s needs a value\n", argv[i]);
         return std::nullopt;
@@ -74,8 +88,18 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
       const char *value = argv[++i];
       if (argument == "--format") {
         request.format = format_from_name(value);
-        if (!request.format || *request.format == ZEP_FILE_JPEG) {
-          std::fprintf(stderr, "zep: unknown output format '%s' (bmp, tiff, eps or raw)\n", value);
+        if (!request.format) {
+          std::fprintf(stderr, "zep: unknown output format '%s' (bmp, tiff, eps, jpeg or raw)\n",
+                       value);
+          return std::nullopt;
+        }
+      } else if (argument == "--quality") {
+        request.quality = quality_from_text(value);
+        if (!request.quality) {
+          std::fprintf(stderr,
+                       "zep: quality '%s' is not a JPEG quality scale from %u to %u (16: the "
+                       "standard tables, larger: finer)\n",
+                       value, kLowestQuality, kHighestQuality);
           return std::nullopt;
         }
       } else {
@@ -105,9 +129,10 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   }
   if (!request.format) request.format = format_from_extension(request.output);
   if (!request.format) {
-    std::fprintf(stderr,
-                 "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|raw\n",
-                 request.output);
+    std::fprintf(
+        stderr,
+        "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|jpeg|raw\n",
+        request.output);
     return std::nullopt;
   }
   return request;
@@ -158,7 +183,7 @@ int run_convert(int argc, char **argv) {
     }
     result = converted.handle();
   }
-  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format))) {
+  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format, request->quality))) {
     std::fprintf(stderr, "zep: cannot write '%s'\n", request->output);
     return kFailure;
   }

@@ -78,6 +78,7 @@ const char *format_name(uint32_t format) {
 std::optional<uint16_t> format_from_name(std::string_view name) {
   const std::string wanted = upper(name);
   if (wanted == "TIF") return ZEP_FILE_TIFF;
+  if (wanted == "JPG") return ZEP_FILE_JPEG;
   for (const FormatName &entry : kFormats) {
     if (wanted == entry.name) return entry.format;
   }
@@ -88,9 +89,7 @@ std::optional<uint16_t> format_from_extension(std::string_view path) {
   const std::size_t dot = path.rfind('.');
   if (dot == std::string_view::npos || path.find('/', dot) != std::string_view::npos)
     return std::nullopt;
-  const std::string extension = upper(path.substr(dot + 1));
-  if (extension == "JPG") return std::nullopt;
-  return format_from_name(extension);
+  return format_from_name(path.substr(dot + 1));
 }
 
 void start_library() {
@@ -106,6 +105,7 @@ bool path_fits(const char *path) {
 }
 
 uint32_t read_whole_image(uint32_t image, const char *path) {
+  if (ZEP_image_find_file_format(path) == ZEP_FILE_JPEG) return read_jpeg(image, path);
   ZEP_image_set_infilename(image, path);
   // The header first, so that the image is read as one strip of all its lines.
   const uint32_t status = ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_CLOSE);
@@ -115,7 +115,9 @@ uint32_t read_whole_image(uint32_t image, const char *path) {
   return ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_DATA);
 }
 
-uint32_t write_image(uint32_t image, const char *path, uint16_t format) {
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality) {
+  if (format == ZEP_FILE_JPEG) return write_jpeg(image, path, quality);
   ZEP_image_set_outfilename(image, path);
   return ZEP_image_write(image, 0, format, ZEP_ACTION_DATA);
 }
@@ -130,6 +132,9 @@ bool format_accepts(uint16_t format, uint32_t type) {
              type == ZEP_BGRX32 || type == ZEP_YUV422;
     case ZEP_FILE_EPS: return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24;
     case ZEP_FILE_RAW: return type != ZEP_Y1 && type != ZEP_CMYK32;
+    case ZEP_FILE_JPEG:
+      return type == ZEP_Y8 || type == ZEP_RGB24 || type == ZEP_BGR24 || type == ZEP_RGBX32 ||
+             type == ZEP_BGRX32 || type == ZEP_XBGR32 || type == ZEP_YUV422;
     default: return false;
   }
 }

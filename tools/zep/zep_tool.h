@@ -19,7 +19,7 @@ const char *type_name(uint32_t type);
 std::optional<uint16_t> type_from_name(std::string_view name);
 const char *format_name(uint32_t format);
 std::optional<uint16_t> format_from_name(std::string_view name);
-// The file format a file name's extension suggests (.bmp, .tif, .tiff, .eps, .raw).
+// The file format a file name's extension suggests (.bmp, .tif, .tiff, .eps, .raw, .jpg, .jpeg).
 std::optional<uint16_t> format_from_extension(std::string_view path);
 
 // Starts the library and prints every reported failure as one line on standard error.
@@ -44,12 +44,21 @@ class Image {
   uint32_t m_handle;
 };
 
-// Reads the whole of `path` into `image` as one strip; the library's status.
+// Reads the whole of `path` into `image` as one strip (a JPEG file decoded to Y8 or RGB24); the
+// library's status.
 uint32_t read_whole_image(uint32_t image, const char *path);
-// Writes `image` to `path` in `format`; the library's status.
-uint32_t write_image(uint32_t image, const char *path, uint16_t format);
+// Writes `image` to `path` in `format`, a JPEG file at the quality scale `quality` (the library's
+// default without one); the library's status.
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality = std::nullopt);
 // Whether `format` can store pixels of `type` as they are.
 bool format_accepts(uint16_t format, uint32_t type);
+
+// JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
+// printing what one holds.
+uint32_t read_jpeg(uint32_t image, const char *path);
+uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality);
+int describe_jpeg(const char *path);
 
 int run_demo(int argc, char **argv);
 int run_info(int argc, char **argv);

@@ -102,8 +102,7 @@ uint32_t extract_frame(uint32_t handle, uint32_t frame_handle, uint32_t frame) {
   std::FILE *file = sequence.record->file;
   const long start = std::ftell(file);
   // The frame's data ends before the marker that ends it (a restart marker or EOI).
-  const bool marked = skip_past_marker(
-      file, [](uint8_t code) { return ends_entropy_data(code) || ends_frame(code); });
+  const bool marked = skip_past_marker(file, [](uint8_t) { return true; });
   const long end = std::ftell(file) - (marked ? 2 : 0);
   const auto length = static_cast<uint32_t>(end > start ? end - start : 0);
   status = ZEP_image_copy_parameters(handle, frame_handle);

@@ -153,8 +153,24 @@ uint16_t huffman_table_bytes(const ZEP_JPEG_RECORD &record) {
   return static_cast<uint16_t>(bytes);
 }
 
-// Each table goes to the slot of its class and id, in the order of the defaults (0x00, 0x01,
-// 0x10, 0x11), so that a file's table replaces the default it stands for.
+// The slot of a class/id byte: the order of the defaults (0x00, 0x01, 0x10, 0x11).
+int canonical_slot(uint8_t class_id) { return (class_id >> 4) * 2 + (class_id & 0x0F); }
+
+// Slots that hold no table of their own class and id (those of a record never given the default
+// tables) are marked unused, so that only real tables are written, listed and decoded with.
+void mark_unused_slots(ZEP_JPEG_RECORD &record) {
+  for (int slot = 0; slot < kHuffmanSlots; ++slot) {
+    const uint8_t class_id = record.huff_class_id[slot];
+    const bool has_codes =
+        std::any_of(std::begin(record.huff_counts[slot]), std::end(record.huff_counts[slot]),
+                    [](uint8_t count) { return count != 0; });
+    if (class_id == kUnusedHuffmanSlot || canonical_slot(class_id) != slot || !has_codes)
+      record.huff_class_id[slot] = kUnusedHuffmanSlot;
+  }
+}
+
+// Each table goes to the slot of its class and id, so that a file's table replaces the default it
+// stands for.
 void read_huffman(SegmentReader &in, ZEP_JPEG_RECORD &record) {
   const uint16_t length = in.u16();
   int64_t left = int64_t{length} - 2;
@@ -169,11 +185,12 @@ void read_huffman(SegmentReader &in, ZEP_JPEG_RECORD &record) {
     const uint32_t values = std::accumulate(std::begin(counts), std::end(counts), 0u);
     left -= 17 + int64_t{values};
     if (left < 0) fail(ZEP_ERR_UNEXPECTED, "Impossible Huffman code counts");
-    const int slot = (class_id >> 4) * 2 + (class_id & 0x0F);
+    const int slot = canonical_slot(class_id);
     in.bytes(std::span<uint8_t>(record.huff_values[slot], values));
     record.huff_class_id[slot] = class_id;
     std::memcpy(record.huff_counts[slot], counts, sizeof counts);
   }
+  mark_unused_slots(record);
   record.dht_length = huffman_table_bytes(record);
 }
 
