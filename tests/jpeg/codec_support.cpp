@@ -1,6 +1,8 @@
 // Test support for the JPEG codec.
 #include "jpeg/codec_support.h"
 
+#include "fuzz/jpeg_entropy_input.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +24,9 @@ void fill_picture(uint32_t image, uint16_t type, uint32_t width, uint32_t height
 
 namespace {
 
-uint8_t grey_of(const Rgb &c) { return static_cast<uint8_t>((77 * c.r + 150 * c.g + 29 * c.b) >> 8); }
+uint8_t grey_of(const Rgb &c) {
+  return static_cast<uint8_t>((77 * c.r + 150 * c.g + 29 * c.b) >> 8);
+}
 
 // Y, U or V of a colour, in the library's own integer arithmetic.
 void yuv_of(const Rgb &c, int &y, int &u, int &v) {
@@ -116,16 +120,22 @@ uint32_t jpeg_with_stream(uint16_t type, uint32_t width, uint32_t height, const 
 }
 
 Bytes stream_of(uint32_t jpeg_image) {
-  const auto *data = static_cast<const uint8_t *>(ZEP_image_get_ptr(jpeg_image, ZEP_JPEG_BUFFER_PTR));
+  const auto *data =
+      static_cast<const uint8_t *>(ZEP_image_get_ptr(jpeg_image, ZEP_JPEG_BUFFER_PTR));
   const uint32_t length = ZEP_image_get_parameter(jpeg_image, ZEP_JPEG_LENGTH);
   return data == nullptr ? Bytes{} : Bytes(data, data + length);
 }
 
-void write_seed(const char *target, const char *name, const Bytes &bytes) {
-  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / target;
+void write_entropy_seed(const std::string &name, uint16_t type, uint32_t width, uint32_t height,
+                        bool rgb_output, const Bytes &stream) {
+  const int selector = fuzz::entropy_selector(type, width, height, rgb_output);
+  if (selector < 0) return;
+  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / "jpeg_entropy_fuzz";
   std::filesystem::create_directories(folder);
   std::ofstream out(folder / name, std::ios::binary);
-  out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  out.put(static_cast<char>(selector));
+  out.write(reinterpret_cast<const char *>(stream.data()),
+            static_cast<std::streamsize>(stream.size()));
 }
 
 }  // namespace vrc::test

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace vrc::test {
@@ -28,7 +29,9 @@ struct Rgb {
 inline Rgb test_colour(uint32_t x, uint32_t y) {
   const int ripple = static_cast<int>(12.0 * std::sin(x * 0.35) * std::cos(y * 0.27));
   const int edge = (x / 11 + y / 7) % 5 == 0 ? 40 : 0;
-  auto level = [](int value) { return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value)); };
+  auto level = [](int value) {
+    return static_cast<uint8_t>(value < 0 ? 0 : (value > 255 ? 255 : value));
+  };
   return {level(60 + int(x * 3 % 160) + ripple + edge), level(40 + int(y * 5 % 170) - ripple),
           level(200 - int((x + y) * 2 % 150) + edge / 2)};
 }
@@ -57,7 +60,10 @@ uint32_t jpeg_with_stream(uint16_t type, uint32_t width, uint32_t height, const 
 // The JPEG image's entropy-coded data.
 Bytes stream_of(uint32_t jpeg_image);
 
-// Writes `bytes` as seed `name` of the fuzz target `target`.
-void write_seed(const char *target, const char *name, const Bytes &bytes);
+// Writes `stream`, the entropy data of a picture of `type` and size, as seed `name` of the entropy
+// decoder's fuzz target (after the byte that selects that header; sizes without a header of the
+// target are not written).
+void write_entropy_seed(const std::string &name, uint16_t type, uint32_t width, uint32_t height,
+                        bool rgb_output, const Bytes &stream);
 
 }  // namespace vrc::test

@@ -187,12 +187,18 @@ uint32_t decompress_rgb24_type(uint32_t plain, uint32_t jpeg) {
 }
 uint32_t decompress_no_data(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_YUV422);
+  ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB24);
+  return ZEP_JPEG_decompress(jpeg, plain);
+}
+uint32_t decompress_colour_to_rgb16(uint32_t plain, uint32_t jpeg) {
+  ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_YUV422);
+  ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB16);
   return ZEP_JPEG_decompress(jpeg, plain);
 }
 uint32_t decompress_411_strips(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_TYPE, ZEP_DATA16_C);
   ZEP_image_set_parameter(jpeg, ZEP_IMAGE_HEIGHT, 64);
-  ZEP_image_set_parameter(plain, ZEP_LINES_THIS_STRIP, 24);
+  ZEP_image_set_parameter(jpeg, ZEP_LINES_THIS_STRIP, 24);
   return ZEP_JPEG_decompress(jpeg, plain);
 }
 
@@ -236,13 +242,15 @@ INSTANTIATE_TEST_SUITE_P(
                 "Unsupported image format"},
         Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
                 "Corrupt image", 2},
-        Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress",
-                0x10070007, "Unsupported image format"},
-        Refusal{"decompress_no_data", decompress_no_data, "ZEP_JPEG_decompress_1_strip",
-                0x100C0002, "Buffer failed to fill at start"},
+        Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress", 0x10070007,
+                "Unsupported image format"},
+        Refusal{"decompress_no_data", decompress_no_data, "ZEP_JPEG_decompress_1_strip", 0x100C0002,
+                "Buffer failed to fill at start"},
+        Refusal{"decompress_colour_to_rgb16", decompress_colour_to_rgb16,
+                "ZEP_JPEG_decompress_1_strip", 0x10070006, "Unsupported image type/pixel format"},
         Refusal{"decompress_411_strips", decompress_411_strips, "ZEP_JPEG_decompress_1_strip",
                 0x10070018, "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // --- Malformed entropy data ----------------------------------------------------------------
 
@@ -284,7 +292,7 @@ Bytes flat_y1_y2_then(std::initializer_list<Code> rest) {
   return builder.bytes();
 }
 
-// Every stream below is decoded as a 16 x 8 picture.
+// Every stream below is decoded as a 16 x 8 picture (one MCU of 4:2:2, half one of 4:1:1).
 class MalformedTest : public ::testing::TestWithParam<Malformed> {};
 
 TEST_P(MalformedTest, FailsWithItsMessage) {
@@ -298,7 +306,7 @@ TEST_P(MalformedTest, FailsWithItsMessage) {
   EXPECT_EQ(errors.last().function, "ZEP_JPEG_decompress_1_strip");
   EXPECT_EQ(errors.last().code, c.code);
   EXPECT_EQ(errors.last().message, c.message);
-  write_seed("jpeg_entropy_fuzz", c.name, c.stream);
+  write_entropy_seed(c.name, c.type, 16, 8, false, c.stream);
   ZEP_image_destroy(jpeg);
 }
 
@@ -306,9 +314,15 @@ INSTANTIATE_TEST_SUITE_P(
     Streams, MalformedTest,
     ::testing::Values(
         // Sixteen 1 bits (a stuffed 0xFF byte and more) match no luminance DC code.
-        Malformed{"grey_dc_no_code", ZEP_Y8, {0xFF, 0x00, 0xFF, 0x00}, 0x100C0003,
+        Malformed{"grey_dc_no_code",
+                  ZEP_Y8,
+                  {0xFF, 0x00, 0xFF, 0x00},
+                  0x100C0003,
                   "corrupt DC Huffman sequence"},
-        Malformed{"colour_dc_no_code", ZEP_YUV422, {0xFF, 0x00, 0xFF, 0x00}, 0x100C0003,
+        Malformed{"colour_dc_no_code",
+                  ZEP_YUV422,
+                  {0xFF, 0x00, 0xFF, 0x00},
+                  0x100C0003,
                   "Y1: corrupt DC Huffman sequence"},
         Malformed{"grey_ac_no_code", ZEP_Y8, stream({dc_luma(0), raw("1111111111111111")}),
                   0x100C0004, "corrupt AC Huffman sequence"},
@@ -326,6 +340,19 @@ INSTANTIATE_TEST_SUITE_P(
                   "corrupt AC Huffman sequence (> 63 coeffs read)"},
         Malformed{"grey_run_past_the_end", ZEP_Y8, run_past_the_end(), 0x100C0005,
                   "corrupt AC Huffman sequence (> 63 coeffs read)"},
+        Malformed{"yuv411_y3_dc_no_code", ZEP_DATA16_C, flat_y1_y2_then({raw("111111111111")}),
+                  0x100C0003, "Y3: corrupt DC Huffman sequence"},
+        Malformed{"yuv411_v_ac_no_code", ZEP_DATA16_C,
+                  [] {
+                    StreamBuilder builder;
+                    for (int block = 0; block < 4; ++block)
+                      for (const Code &code : kFlatLuma) builder.put(code);
+                    for (const Code &code :
+                         {dc_chroma(0), ac_chroma(kEob), dc_chroma(0), raw("1111111111111111")})
+                      builder.put(code);
+                    return builder.bytes();
+                  }(),
+                  0x100C0004, "V: corrupt AC Huffman sequence"},
         // The data ends after Y1 and Y2 at an EOI marker: U needs bits beyond it.
         Malformed{"colour_eoi_inside", ZEP_YUV422,
                   [] {
@@ -337,7 +364,7 @@ INSTANTIATE_TEST_SUITE_P(
         // The same data without the marker: past the end 1 bits are fed, which match no code.
         Malformed{"colour_truncated", ZEP_YUV422, flat_y1_y2_then({}), 0x100C0003,
                   "U: corrupt DC Huffman sequence"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // A complete stream followed by EOI decodes: bits are taken past the data only when needed.
 TEST(Codec, EoiAfterCompleteDataIsNoError) {
@@ -350,10 +377,55 @@ TEST(Codec, EoiAfterCompleteDataIsNoError) {
   const uint32_t with_eoi = jpeg_with_stream(ZEP_YUV422, 32, 16, stream);
   ASSERT_EQ(ZEP_JPEG_decompress(with_eoi, decoded), 0u);
   EXPECT_EQ(errors.count(), 0u);
-  write_seed("jpeg_entropy_fuzz", "colour_32x16_eoi", stream);
+  write_entropy_seed("colour_32x16_eoi", ZEP_YUV422, 32, 16, false, stream);
   ZEP_image_destroy(with_eoi);
   ZEP_image_destroy(jpeg);
 }
+
+}  // namespace
+}  // namespace vrc::test
+
+namespace vrc::test {
+namespace {
+
+uint64_t fnv1a(const Bytes &bytes) {
+  uint64_t hash = 0xcbf29ce484222325ull;
+  for (const uint8_t b : bytes) hash = (hash ^ b) * 0x100000001b3ull;
+  return hash;
+}
+
+struct Fingerprint {
+  uint16_t source_type;
+  uint16_t decoded_type;
+  uint64_t stream;
+  uint64_t pixels;
+};
+
+// The stream and the decoded pixels of fixed pictures, fingerprinted. The suite runs once with
+// the vector stages and once with VRC_FORCE_SCALAR=1: both runs must give these same bytes.
+class FingerprintTest : public ::testing::TestWithParam<Fingerprint> {};
+
+TEST_P(FingerprintTest, EveryPathGivesTheSameBytes) {
+  const Fingerprint &c = GetParam();
+  ErrorCapture errors;
+  ScopedImage source, decoded;
+  make_test_picture(source, c.source_type, 203, 121);
+  const uint32_t jpeg = compressed(source);
+  ZEP_image_set_parameter(decoded, ZEP_IMAGE_TYPE, c.decoded_type);
+  ASSERT_EQ(ZEP_JPEG_decompress(jpeg, decoded), 0u);
+  EXPECT_EQ(fnv1a(stream_of(jpeg)), c.stream) << std::hex << fnv1a(stream_of(jpeg));
+  EXPECT_EQ(fnv1a(picture_bytes(decoded)), c.pixels) << std::hex << fnv1a(picture_bytes(decoded));
+  write_entropy_seed("fingerprint_" + std::to_string(c.source_type), record_of(jpeg).type, 203, 121,
+                     c.decoded_type == ZEP_RGB24, stream_of(jpeg));
+  ZEP_image_destroy(jpeg);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Pictures, FingerprintTest,
+    ::testing::Values(Fingerprint{ZEP_Y8, 0, 0x76678a181c358e21, 0xe3dfe52b8b8edd46},
+                      Fingerprint{ZEP_YUV422, 0, 0x933efa6f0a73bea1, 0xc087d201afd332a5},
+                      Fingerprint{ZEP_BGR24, ZEP_RGB24, 0xae1acf3ce29fbf97, 0xcaa86877604cd666},
+                      Fingerprint{ZEP_BGRX32, ZEP_BGRX32, 0xae1acf3ce29fbf97, 0xc0427825870731b6}));
 
 }  // namespace
 }  // namespace vrc::test

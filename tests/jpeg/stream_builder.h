@@ -24,15 +24,24 @@ inline Code symbol_code(int slot, uint8_t symbol, const std::string &extra = "")
   for (int i = 0; i < codes.count; ++i) {
     if (spec.values[i] != symbol) continue;
     std::string text;
-    for (int bit = codes.length[i] - 1; bit >= 0; --bit) text += (codes.code[i] >> bit) & 1 ? '1' : '0';
+    for (int bit = codes.length[i] - 1; bit >= 0; --bit)
+      text += (codes.code[i] >> bit) & 1 ? '1' : '0';
     return {text + extra};
   }
   return {"?"};
 }
-inline Code dc_luma(uint8_t size, const std::string &extra = "") { return symbol_code(0, size, extra); }
-inline Code dc_chroma(uint8_t size, const std::string &extra = "") { return symbol_code(1, size, extra); }
-inline Code ac_luma(uint8_t symbol, const std::string &extra = "") { return symbol_code(2, symbol, extra); }
-inline Code ac_chroma(uint8_t symbol, const std::string &extra = "") { return symbol_code(3, symbol, extra); }
+inline Code dc_luma(uint8_t size, const std::string &extra = "") {
+  return symbol_code(0, size, extra);
+}
+inline Code dc_chroma(uint8_t size, const std::string &extra = "") {
+  return symbol_code(1, size, extra);
+}
+inline Code ac_luma(uint8_t symbol, const std::string &extra = "") {
+  return symbol_code(2, symbol, extra);
+}
+inline Code ac_chroma(uint8_t symbol, const std::string &extra = "") {
+  return symbol_code(3, symbol, extra);
+}
 inline Code raw(const std::string &bits) { return {bits}; }
 
 class StreamBuilder {

@@ -9,6 +9,7 @@
 #include "imaging/files/jpeg/inverse_dct.h"
 #include "imaging/files/jpeg/standard_tables.h"
 
+#include <emmintrin.h>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -17,6 +18,30 @@
 
 namespace vrc::jpeg {
 namespace {
+
+// `pairs` Y0 U Y1 V pairs from Y, U and V rows.
+void interleave_pairs(const uint8_t *y, const uint8_t *u, const uint8_t *v, uint8_t *out,
+                      uint32_t pairs) {
+  uint32_t i = 0;
+  for (; i + 16 <= pairs; i += 16) {
+    const __m128i us = _mm_loadu_si128(reinterpret_cast<const __m128i *>(u + i));
+    const __m128i vs = _mm_loadu_si128(reinterpret_cast<const __m128i *>(v + i));
+    const __m128i y0 = _mm_loadu_si128(reinterpret_cast<const __m128i *>(y + 2 * i));
+    const __m128i y1 = _mm_loadu_si128(reinterpret_cast<const __m128i *>(y + 2 * i + 16));
+    const __m128i uv0 = _mm_unpacklo_epi8(us, vs), uv1 = _mm_unpackhi_epi8(us, vs);
+    auto *to = reinterpret_cast<__m128i *>(out + 4 * i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi8(y0, uv0));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(y0, uv0));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi8(y1, uv1));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi8(y1, uv1));
+  }
+  for (; i < pairs; ++i) {
+    out[4 * i] = y[2 * i];
+    out[4 * i + 1] = u[i];
+    out[4 * i + 2] = y[2 * i + 1];
+    out[4 * i + 3] = v[i];
+  }
+}
 
 // Decoder error codes (format error class).
 constexpr uint32_t kEoiCode = ZEP_ERR_UNEXPECTED | 1;
@@ -79,7 +104,7 @@ class ScanDecoder {
         m_tables(record),
         m_sampling(sampling),
         m_output(output),
-        m_idct(inverse_dct(convert::active_simd_level())) {
+        m_idct(inverse_dct_pair(convert::active_simd_level())) {
     for (int c = 0; c < 3; ++c) {
       m_components[c].dc = m_tables.dc(c);
       m_components[c].ac = m_tables.ac(c);
@@ -108,6 +133,7 @@ class ScanDecoder {
       for (uint32_t x = 0; x < m_output.width; x += m_sampling.mcu_width) {
         if (const uint32_t status = decode_mcu(x); status != 0) return status;
       }
+      flush_pending();
       if (m_sampling.components == 3) emit_band(y);
     }
     if (m_reader.overran() && m_reader.ended_at_eoi())
@@ -121,25 +147,39 @@ class ScanDecoder {
     std::size_t stride = 0;
   };
 
+  // Decodes the MCU's blocks. A block of DC alone is filled at once; the others are transformed
+  // two at a time.
   uint32_t decode_mcu(uint32_t mcu_x) {
     for (const BlockPlace &place : m_places) {
+      int16_t *block = m_blocks[m_pending];
       bool dc_only = false;
       const BlockError error =
-          decode_block(m_reader, m_components[place.component], m_block, dc_only);
+          decode_block(m_reader, m_components[place.component], block, dc_only);
       if (error != BlockError::none) return report(error, place.prefix);
       const Rows &rows = m_rows[place.component];
       const uint32_t x = place.component == 0 ? mcu_x + place.x : mcu_x / 2;
       uint8_t *samples = rows.base + place.y * rows.stride + x;
       const auto stride = static_cast<std::ptrdiff_t>(rows.stride);
       if (dc_only) {
-        inverse_dct_dc_only(m_block[0], samples, stride);
-        m_block[0] = 0;
-      } else {
-        m_idct(m_block, samples, stride);
-        std::memset(m_block, 0, sizeof m_block);
+        inverse_dct_dc_only(block[0], samples, stride);
+        block[0] = 0;
+        continue;
       }
+      m_targets[m_pending] = {samples, stride};
+      if (++m_pending == 2) flush_pending();
     }
     return 0;
+  }
+
+  // Transforms the blocks waiting for a partner (a lone block is paired with itself) and clears
+  // them for the next ones.
+  void flush_pending() {
+    if (m_pending == 0) return;
+    const int second = m_pending - 1;
+    m_idct(m_blocks[0], m_blocks[second], m_targets[0].samples, m_targets[0].stride,
+           m_targets[second].samples, m_targets[second].stride);
+    std::memset(m_blocks, 0, sizeof m_blocks);
+    m_pending = 0;
   }
 
   uint32_t report(BlockError error, const char *prefix) {
@@ -166,12 +206,7 @@ class ScanDecoder {
       const uint8_t *v = m_rows[2].base + (line / chroma_step) * m_rows[2].stride;
       uint8_t *out = m_output.pixels + (band_top + line) * m_output.stride;
       uint8_t *yuv = m_output.type == ZEP_YUV422 ? out : m_line;
-      for (uint32_t i = 0; i < pairs; ++i) {
-        yuv[4 * i] = y[2 * i];
-        yuv[4 * i + 1] = u[i];
-        yuv[4 * i + 2] = y[2 * i + 1];
-        yuv[4 * i + 3] = v[i];
-      }
+      interleave_pairs(y, u, v, yuv, pairs);
       if (m_output.type != ZEP_YUV422) m_convert(yuv, out, pairs);
     }
   }
@@ -190,14 +225,20 @@ class ScanDecoder {
   ScanTables m_tables;
   const Sampling &m_sampling;
   const ScanOutput &m_output;
-  InverseDct m_idct;
+  InverseDctPair m_idct;
   convert::Yuv422RowKernel m_convert = row_kernel(m_output.type);
   BlockTables m_components[3];
   std::span<const BlockPlace> m_places;
   std::vector<uint8_t> m_band;  // the band's Y rows, 8 U rows, 8 V rows, one interleaved line
   Rows m_rows[3];
   uint8_t *m_line = nullptr;
-  alignas(16) int16_t m_block[64] = {};
+  struct Target {
+    uint8_t *samples;
+    std::ptrdiff_t stride;
+  };
+  alignas(32) int16_t m_blocks[2][64] = {};
+  Target m_targets[2] = {};
+  int m_pending = 0;  // blocks decoded and waiting to be transformed
 };
 
 }  // namespace

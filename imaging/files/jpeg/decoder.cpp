@@ -16,14 +16,18 @@ namespace {
 constexpr const char *kDecompress = "ZEP_JPEG_decompress";
 
 // The destination's format: grey data decodes to Y8; colour data to the destination's RGB24,
-// BGR24 or BGRX32, else to YUV 4:2:2.
+// BGR24 or BGRX32, and to YUV 4:2:2 for a destination of that type, of the JPEG's own type or of
+// none yet. Other destination types give 0.
 uint16_t output_type(const Sampling &sampling, uint16_t destination_type) {
   if (sampling.components == 1) return ZEP_Y8;
   switch (destination_type) {
     case ZEP_RGB24:
     case ZEP_BGR24:
     case ZEP_BGRX32: return destination_type;
-    default: return ZEP_YUV422;
+    case ZEP_NONE:
+    case ZEP_YUV422:
+    case ZEP_DATA16_C: return ZEP_YUV422;
+    default: return 0;
   }
 }
 
@@ -60,12 +64,17 @@ uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
                         "Unsupported image format");
   ZEP_IMAGE *target = core::record_or_report(destination, kDecompress);
   if (target == nullptr) return ZEP_ERR_HANDLE;
-  const uint32_t strip = target->lines_this_strip;
+  // A JPEG image whose strips are shorter than the picture is decoded a strip of MCUs at a time;
+  // 4:1:1 MCUs are 16 lines high.
+  const uint32_t strip = source.image->lines_this_strip;
   if (sampling->luma_v == 2 && strip != 0 && strip < source.image->height && strip % 16 != 0)
     return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | (strip & 0xFFFF),
                         "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines");
 
   const uint16_t type = output_type(*sampling, target->type);
+  if (type == 0)
+    return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | target->type,
+                        "Unsupported image type/pixel format");
   const uint32_t width = source.image->width;
   const uint32_t height = source.image->height;
   const uint32_t coded_width = round_up(width, sampling->mcu_width);
@@ -93,9 +102,8 @@ void build_shared_tables() {
 }  // namespace vrc::jpeg
 
 extern "C" uint32_t ZEP_JPEG_decompress(uint32_t jpeg_image, uint32_t destination) {
-  return vrc::core::api_guard(vrc::jpeg::kDecompress, [&] {
-    return vrc::jpeg::decompress(jpeg_image, destination);
-  });
+  return vrc::core::api_guard(vrc::jpeg::kDecompress,
+                              [&] { return vrc::jpeg::decompress(jpeg_image, destination); });
 }
 
 extern "C" uint32_t ZEP_JPEG_generate_Huffman_decode_tables(void) {

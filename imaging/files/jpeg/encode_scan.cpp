@@ -30,19 +30,27 @@ class BlockCoder {
  public:
   BlockCoder(const ZEP_JPEG_RECORD &record, uint8_t *out)
       : m_writer(out),
-        m_fdct(forward_dct(convert::active_simd_level())),
+        m_fdct(forward_dct_pair(convert::active_simd_level())),
         m_quantise(quantiser(convert::active_simd_level())) {
     m_luma = coder(record, 0, kDcLuminance, kAcLuminance);
     m_chroma[0] = coder(record, 1, kDcChrominance, kAcChrominance);
     m_chroma[1] = m_chroma[0];
   }
 
-  void code(const uint8_t *samples, std::size_t stride, ComponentCoder &component) {
-    alignas(16) int16_t coefficients[64];
-    alignas(16) int16_t zigzag[64];
-    m_fdct(samples, static_cast<std::ptrdiff_t>(stride), coefficients);
-    m_quantise(coefficients, component.quantiser, zigzag);
-    encode_block(m_writer, zigzag, component.predictor, component.dc, component.ac);
+  // Codes two blocks, `a` of component `ca` and then `b` of component `cb`.
+  void code_pair(const uint8_t *a, std::size_t stride_a, ComponentCoder &ca, const uint8_t *b,
+                 std::size_t stride_b, ComponentCoder &cb) {
+    m_fdct(a, static_cast<std::ptrdiff_t>(stride_a), b, static_cast<std::ptrdiff_t>(stride_b),
+           m_coefficients[0], m_coefficients[1]);
+    quantise_and_code(m_coefficients[0], ca);
+    quantise_and_code(m_coefficients[1], cb);
+  }
+
+  // Codes the block at `a` alone (the second transform of the pair is discarded).
+  void code_one(const uint8_t *a, std::size_t stride, ComponentCoder &component) {
+    m_fdct(a, static_cast<std::ptrdiff_t>(stride), a, static_cast<std::ptrdiff_t>(stride),
+           m_coefficients[0], m_coefficients[1]);
+    quantise_and_code(m_coefficients[0], component);
   }
 
   ComponentCoder &luma() { return m_luma; }
@@ -59,17 +67,28 @@ class BlockCoder {
     return component;
   }
 
+  void quantise_and_code(const int16_t *coefficients, ComponentCoder &component) {
+    m_quantise(coefficients, component.quantiser, m_quantised);
+    encode_block(m_writer, m_quantised, component.predictor, component.dc, component.ac);
+  }
+
   BitWriter m_writer;
-  ForwardDct m_fdct;
+  ForwardDctPair m_fdct;
   Quantise m_quantise;
   ComponentCoder m_luma;
   ComponentCoder m_chroma[2];
+  alignas(32) int16_t m_coefficients[2][64];
+  alignas(32) int16_t m_quantised[64];
 };
 
 void encode_grey(const ScanSource &source, BlockCoder &coder) {
   for (uint32_t y = 0; y < source.height; y += 8) {
     const uint8_t *band = source.pixels + y * source.stride;
-    for (uint32_t x = 0; x < source.width; x += 8) coder.code(band + x, source.stride, coder.luma());
+    uint32_t x = 0;
+    for (; x + 16 <= source.width; x += 16)
+      coder.code_pair(band + x, source.stride, coder.luma(), band + x + 8, source.stride,
+                      coder.luma());
+    if (x < source.width) coder.code_one(band + x, source.stride, coder.luma());
   }
 }
 
@@ -80,21 +99,21 @@ void encode_yuv422(const ScanSource &source, BlockCoder &coder) {
   uint8_t *const y_rows = planes.data();
   uint8_t *const u_rows = y_rows + 8 * width;
   uint8_t *const v_rows = u_rows + 8 * pairs;
+  const BgrToPlanes bgr_rows = bgr_to_planes(convert::active_simd_level());
   for (uint32_t y = 0; y < source.height; y += 8) {
     for (uint32_t line = 0; line < 8; ++line) {
       const uint8_t *row = source.pixels + (y + line) * source.stride;
       const PlaneRows out{y_rows + line * width, u_rows + line * pairs, v_rows + line * pairs};
       switch (source.layout) {
         case ScanLayout::yuv422: yuv422_to_planes(row, pairs, out); break;
-        case ScanLayout::bgr24: bgr_to_planes(row, 3, pairs, out); break;
-        default: bgr_to_planes(row, 4, pairs, out); break;
+        case ScanLayout::bgr24: bgr_rows(row, 3, pairs, out); break;
+        default: bgr_rows(row, 4, pairs, out); break;
       }
     }
     for (uint32_t x = 0; x < width; x += 16) {
-      coder.code(y_rows + x, width, coder.luma());
-      coder.code(y_rows + x + 8, width, coder.luma());
-      coder.code(u_rows + x / 2, pairs, coder.chroma(0));
-      coder.code(v_rows + x / 2, pairs, coder.chroma(1));
+      coder.code_pair(y_rows + x, width, coder.luma(), y_rows + x + 8, width, coder.luma());
+      coder.code_pair(u_rows + x / 2, pairs, coder.chroma(0), v_rows + x / 2, pairs,
+                      coder.chroma(1));
     }
   }
 }

@@ -63,4 +63,23 @@ ForwardDct forward_dct(convert::SimdLevel level) {
   return level == convert::SimdLevel::scalar ? &forward_dct_scalar : &forward_dct_sse2;
 }
 
+namespace {
+
+template <ForwardDct kSingle>
+void pair_of_singles(const uint8_t *a, std::ptrdiff_t stride_a, const uint8_t *b,
+                     std::ptrdiff_t stride_b, int16_t *out_a, int16_t *out_b) {
+  kSingle(a, stride_a, out_a);
+  kSingle(b, stride_b, out_b);
+}
+
+}  // namespace
+
+ForwardDctPair forward_dct_pair(convert::SimdLevel level) {
+  switch (level) {
+    case convert::SimdLevel::avx2: return &forward_dct_pair_avx2;
+    case convert::SimdLevel::sse2: return &pair_of_singles<&forward_dct_sse2>;
+    default: return &pair_of_singles<&forward_dct_scalar>;
+  }
+}
+
 }  // namespace vrc::jpeg

@@ -30,9 +30,8 @@ void build_fast_ac(DecodeTable &table) {
     const int size = symbol & 15;
     if (length == 0 || size == 0 || length + size > kLookBits) continue;
     const uint32_t bits = (index >> (kLookBits - length - size)) & ((1u << size) - 1);
-    table.fast_ac[index] =
-        static_cast<int32_t>(static_cast<uint32_t>(extend(bits, size)) << 16) | run << 8 |
-        (length + size);
+    table.fast_ac[index] = static_cast<int32_t>(static_cast<uint32_t>(extend(bits, size)) << 16) |
+                           run << 8 | (length + size);
   }
 }
 

@@ -12,7 +12,8 @@ namespace vrc::jpeg {
 // Code table of one Huffman table: per symbol, code << 8 | code length.
 using CodeTable = const uint32_t *;
 
-void encode_block(BitWriter &writer, const int16_t *zigzag, int16_t &dc_predictor, CodeTable dc,
+// Codes one quantised block held in natural order.
+void encode_block(BitWriter &writer, const int16_t *block, int16_t &dc_predictor, CodeTable dc,
                   CodeTable ac);
 
 }  // namespace vrc::jpeg

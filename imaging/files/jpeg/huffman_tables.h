@@ -8,9 +8,9 @@ namespace vrc::jpeg {
 
 // The canonical codes of a Huffman specification, in the order of its values.
 struct HuffmanCodes {
-  int count = 0;           // codes generated (at most 256)
-  uint16_t code[256] = {};  // code of the value at the same index
-  uint8_t length[256] = {}; // its length in bits, 1..16
+  int count = 0;             // codes generated (at most 256)
+  uint16_t code[256] = {};   // code of the value at the same index
+  uint8_t length[256] = {};  // its length in bits, 1..16
 };
 
 // Generates the codes of `counts` (codes of each length 1..16). Counts that claim more codes than

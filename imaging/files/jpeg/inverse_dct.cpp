@@ -79,12 +79,32 @@ void inverse_dct_dc_only(int16_t dc, uint8_t *samples, std::ptrdiff_t stride) {
   // Pass 1 gives dc << kPass1Bits (saturated) in every row of column 0 and 0 elsewhere; pass 2
   // then gives that value x 2^13 descaled by 18 bits in every sample.
   const int16_t column = saturate16(int32_t{dc} * (1 << kPass1Bits));
-  const uint8_t value = to_sample(descale(int64_t{column} << kConstBits, kConstBits + kPass1Bits + 3));
+  const uint8_t value =
+      to_sample(descale(int64_t{column} << kConstBits, kConstBits + kPass1Bits + 3));
   for (int row = 0; row < 8; ++row) std::memset(samples + row * stride, value, 8);
 }
 
 InverseDct inverse_dct(convert::SimdLevel level) {
   return level == convert::SimdLevel::scalar ? &inverse_dct_scalar : &inverse_dct_sse2;
+}
+
+namespace {
+
+template <InverseDct kSingle>
+void pair_of_singles(const int16_t *in_a, const int16_t *in_b, uint8_t *a, std::ptrdiff_t stride_a,
+                     uint8_t *b, std::ptrdiff_t stride_b) {
+  kSingle(in_a, a, stride_a);
+  kSingle(in_b, b, stride_b);
+}
+
+}  // namespace
+
+InverseDctPair inverse_dct_pair(convert::SimdLevel level) {
+  switch (level) {
+    case convert::SimdLevel::avx2: return &inverse_dct_pair_avx2;
+    case convert::SimdLevel::sse2: return &pair_of_singles<&inverse_dct_sse2>;
+    default: return &pair_of_singles<&inverse_dct_scalar>;
+  }
 }
 
 }  // namespace vrc::jpeg

@@ -76,8 +76,9 @@ extern "C" uint32_t ZEP_JPEG_make_Q_tables(uint32_t jpeg_image) {
 }
 
 extern "C" uint32_t ZEP_JPEG_ConvertToMonoYUV(uint32_t jpeg_image) {
-  return vrc::jpeg::with_state(jpeg_image, "ZEP_JPEG_ConvertToMonoYUV", [](ZEP_JPEG_RECORD &record) {
-    std::memset(record.quant[1], 0, sizeof record.quant[1]);
-    return 0u;
-  });
+  return vrc::jpeg::with_state(jpeg_image, "ZEP_JPEG_ConvertToMonoYUV",
+                               [](ZEP_JPEG_RECORD &record) {
+                                 std::memset(record.quant[1], 0, sizeof record.quant[1]);
+                                 return 0u;
+                               });
 }
