@@ -137,20 +137,6 @@ TEST(Codec, ImageCopyDecodes) {
   ZEP_image_destroy(jpeg);
 }
 
-// The padded copy is coded at whole MCUs: a 20 x 12 colour picture costs as many blocks as
-// 32 x 16; a grey picture of width 24 needs no padding, a colour one does.
-TEST(Codec, PaddedSizesCodeWholeMcus) {
-  ErrorCapture errors;
-  ScopedImage small, padded;
-  make_test_picture(small, ZEP_RGB24, 20, 12);
-  make_test_picture(padded, ZEP_RGB24, 32, 16);
-  const uint32_t a = compressed(small), b = compressed(padded);
-  // Both streams hold 2 x 2 MCUs of four blocks: their lengths are of the same order.
-  EXPECT_GT(stream_of(a).size() * 3, stream_of(b).size());
-  ZEP_image_destroy(a);
-  ZEP_image_destroy(b);
-}
-
 // --- Refusals ------------------------------------------------------------------------------
 
 struct Refusal {
