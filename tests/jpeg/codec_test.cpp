@@ -352,6 +352,20 @@ INSTANTIATE_TEST_SUITE_P(
                   "U: corrupt DC Huffman sequence"}),
     [](const auto &param_info) { return std::string(param_info.param.name); });
 
+// Data that could not hold the picture's blocks (two bits each at the least) is refused before
+// the picture is allocated.
+TEST(Codec, DataTooShortForThePictureIsRefused) {
+  ErrorCapture errors;
+  const uint32_t jpeg = jpeg_with_stream(ZEP_YUV422, 8000, 8000, {0x28, 0xA0, 0x28, 0xA0});
+  ScopedImage decoded;
+  errors.clear();
+  EXPECT_EQ(ZEP_JPEG_decompress(jpeg, decoded), 0x100C0006u);
+  ASSERT_EQ(errors.count(), 1u);
+  EXPECT_EQ(errors.last().message, "Unexpected end of JPEG stream");
+  EXPECT_EQ(record_of(decoded).data, nullptr);
+  ZEP_image_destroy(jpeg);
+}
+
 // A complete stream followed by EOI decodes: bits are taken past the data only when needed.
 TEST(Codec, EoiAfterCompleteDataIsNoError) {
   ErrorCapture errors;

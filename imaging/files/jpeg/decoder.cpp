@@ -79,6 +79,12 @@ uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
   const uint32_t height = source.image->height;
   const uint32_t coded_width = round_up(width, sampling->mcu_width);
   const uint32_t coded_height = round_up(height, sampling->mcu_height);
+  // Every block takes at least two bits (a DC code and an end of block): data too short for the
+  // picture is refused before the picture is allocated.
+  const uint64_t blocks =
+      uint64_t{coded_width / 8} * (coded_height / 8) * (sampling->components == 1 ? 1 : 2);
+  if (uint64_t{source.record->length} * 8 < blocks * 2 && source.record->length != 0)
+    return core::report(kDecodeStripName, ZEP_ERR_UNEXPECTED | 6, "Unexpected end of JPEG stream");
   const uint32_t line_align = target->line_align;
   uint32_t status = 0;
   if (coded_width == width && coded_height == height && destination != jpeg_image) {
