@@ -14,6 +14,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* Creates an image with a fresh JPEG state block (quality scale 32); returns the handle. */
 uint32_t ZEP_JPEG_image_create(void);
@@ -40,6 +41,8 @@ uint32_t ZEP_JPEG_compress(uint32_t source, uint32_t jpeg_image);
 /* Decodes into `destination`: Y8 for grey data; YUV422, RGB24, BGR24 or BGRX32 (the
  * destination's type) for colour data. */
 uint32_t ZEP_JPEG_decompress(uint32_t jpeg_image, uint32_t destination);
+
+ZEP_API_END
 
 #ifdef __cplusplus
 }

@@ -15,6 +15,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* Parameter ids of ZEP_JPEG_get_parameter. */
 #define ZEP_JPEG_SOS_COMPONENTS 600 /* component count of the SOS segment */
@@ -69,6 +70,8 @@ uint32_t ZEP_JPEG_sequence_extract_frame(uint32_t sequence, uint32_t frame_image
 /* Appends the data of JPEG image `source` to the sequence image `destination` as its next frame;
  * the first frame gives the sequence its parameters, later frames must match them. */
 uint32_t ZEP_JPEG_sequence_build(uint32_t source, uint32_t destination);
+
+ZEP_API_END
 
 #ifdef __cplusplus
 }

@@ -12,6 +12,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* Index of each value in the region array of ZEP_IP_crop: first column and first line (0-based),
  * then width and height, all signed 16-bit. */
@@ -30,6 +31,8 @@ uint32_t ZEP_IP_crop(uint32_t in, uint32_t out, int16_t *region, uint16_t mode);
 /* Pastes the whole of `insert` into `in` with its top-left pixel at column x, line y (1-based).
  * Both images hold their whole height in one strip and have the same pixel format. */
 uint32_t ZEP_IP_image_insert(uint32_t in, uint32_t insert, uint32_t x, uint32_t y);
+
+ZEP_API_END
 
 #ifdef __cplusplus
 }

@@ -123,8 +123,6 @@ void build_shared_tables() {
   for (int slot = 0; slot < kHuffmanSlots; ++slot) default_decode_table(slot);
 }
 
-[[maybe_unused]] const bool kStartup = core::register_startup(&build_shared_tables);
-
 }  // namespace
 }  // namespace vrc::jpeg
 
