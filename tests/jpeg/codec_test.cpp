@@ -163,6 +163,10 @@ uint32_t compress_rgb16(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB16);
   return ZEP_JPEG_compress(plain, jpeg);
 }
+uint32_t compress_without_pixels(uint32_t plain, uint32_t jpeg) {
+  ZEP_image_free_data(plain);
+  return ZEP_JPEG_compress(plain, jpeg);
+}
 uint32_t compress_corrupt(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(plain, ZEP_IMAGE_DEPTH, 12);
   return ZEP_JPEG_compress(plain, jpeg);
@@ -226,6 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "This function only supports a complete image"},
         Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
                 "Unsupported image format"},
+        Refusal{"compress_without_pixels", compress_without_pixels, "ZEP_JPEG_compress", 0x10050000,
+                "Image has no data"},
         Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
                 "Corrupt image", 2},
         Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress", 0x10070007,
