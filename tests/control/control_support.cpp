@@ -58,4 +58,38 @@ void ControlTest::TearDown() {
 
 std::vector<std::string> tabs_of(const CVrxCtrl &ctrl) { return ctrl.tab_captions(); }
 
+void PanelTest::TearDown() {
+  ctrl.reset();
+  ControlTest::TearDown();
+}
+
+void PanelTest::make(uint32_t pages, CWnd *parent) {
+  ctrl = std::make_unique<CVrxCtrl>(parent, pages, &record_report);
+  ASSERT_EQ(ctrl->Exec(VRC_EXEC_CREATE), VRC_OK);
+}
+
+bool PanelTest::configure(int board_number, int channel, int mode) {
+  CVrxPage *configure = ctrl->GetPage(vrc::control::PageSlot::Configure);
+  if (!configure) return false;
+  configure->control<vrc::window::ComboBox>(17025)->select_as_user(board_number);
+  configure->control<vrc::window::ComboBox>(17026)->select_as_user(channel);
+  configure->control<vrc::window::ComboBox>(17029)->select_as_user(mode);
+  configure->control<vrc::window::Button>(17023)->click_as_user();
+  return ctrl->GetCameraHandle() != 0;
+}
+
+void PanelTest::press(int id) {
+  ctrl->send(vrc::window::WM_COMMAND,
+             vrc::window::make_wparam(static_cast<uint32_t>(id), vrc::window::BN_CLICKED));
+}
+
+std::string PanelTest::buttons() const {
+  std::string states;
+  for (int id : {17000, 17001, 17002, 17003, 17004, vrc::window::ID_APPLY_NOW}) {
+    const vrc::window::Window *button = ctrl->child(id);
+    states += button && button->enabled() ? '1' : '0';
+  }
+  return states;
+}
+
 }  // namespace control_test
