@@ -52,7 +52,7 @@ struct StateStep {
   int button;
   int live;
   const char *buttons;
-  bool capturing;
+  int capturing;  // 1 or 0; -1 when the capture may or may not have ended (a single shot)
 };
 
 class EngineStates : public Engine, public ::testing::WithParamInterface<std::vector<StateStep>> {};
@@ -63,7 +63,9 @@ TEST_P(EngineStates, FollowTheStateTable) {
     press(step.button);
     EXPECT_EQ(ctrl->GetLive(), step.live);
     EXPECT_EQ(buttons(), step.buttons);
-    EXPECT_EQ(board_capturing(), step.capturing);
+    if (step.capturing >= 0) {
+      EXPECT_EQ(board_capturing(), step.capturing == 1);
+    }
     if (step.button == kLive) {
       EXPECT_TRUE(painted_at_least(2));
     }
@@ -73,11 +75,11 @@ TEST_P(EngineStates, FollowTheStateTable) {
 INSTANTIATE_TEST_SUITE_P(
     Sequences, EngineStates,
     ::testing::Values(
-        std::vector<StateStep>{{kLive, 1, kLiveState, true}, {kFreeze, 0, kIdle, false}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, true}, {kAbort, 0, kIdle, false}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, true}, {kApplyNow, 0, kIdle, false}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, true}, {kSingle, 0, kIdle, true}},
-        std::vector<StateStep>{{kAbort, 0, kIdle, false}, {kRefresh, 0, kIdle, false}}));
+        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kFreeze, 0, kIdle, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kAbort, 0, kIdle, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kApplyNow, 0, kIdle, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kSingle, 0, kIdle, -1}},
+        std::vector<StateStep>{{kAbort, 0, kIdle, 0}, {kRefresh, 0, kIdle, 0}}));
 
 TEST_F(Engine, SingleShotEndsWithTheFirstPaintedBuffer) {
   press(kSingle);
