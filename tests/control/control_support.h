@@ -76,6 +76,34 @@ class ControlTest : public ::testing::Test {
 // Page captions of the tabs, in order.
 std::vector<std::string> tabs_of(const CVrxCtrl &ctrl);
 
+// A page that records what reaches it into a log shared by every recording page, as
+// "<caption> <event>" lines, and that holds one control of each kind the helpers work on.
+class RecordingPage : public CVrxPage {
+ public:
+  enum : int { IdCombo = 100, IdEdit = 101, IdScroll = 102, IdCheck = 103 };
+
+  RecordingPage(CVrxCtrl *owner, vrc::control::PageSlot slot);
+  ~RecordingPage() override;
+
+  int UpdateControls() override;
+  LRESULT OnRefreshMessage() override;
+  LRESULT OnApplyMessage() override;
+
+  static std::vector<std::string> &log();
+  // Installs the factory that gives every slot a RecordingPage (restored by ControlTest).
+  static void install();
+
+  LRESULT apply_result = 0;
+  int update_controls_calls = 0;
+  int32_t edit_value = 7;
+
+ protected:
+  void do_data_exchange(vrc::window::DataExchange &exchange) override;
+
+ private:
+  void record(const char *event);
+};
+
 // A panel with its window over the simulated board.
 class PanelTest : public ControlTest {
  protected:

@@ -74,12 +74,11 @@ TEST_P(EngineStates, FollowTheStateTable) {
 
 INSTANTIATE_TEST_SUITE_P(
     Sequences, EngineStates,
-    ::testing::Values(
-        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kFreeze, 0, kIdle, 0}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kAbort, 0, kIdle, 0}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kApplyNow, 0, kIdle, 0}},
-        std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kSingle, 0, kIdle, -1}},
-        std::vector<StateStep>{{kAbort, 0, kIdle, 0}, {kRefresh, 0, kIdle, 0}}));
+    ::testing::Values(std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kFreeze, 0, kIdle, 0}},
+                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kAbort, 0, kIdle, 0}},
+                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kApplyNow, 0, kIdle, 0}},
+                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kSingle, 0, kIdle, -1}},
+                      std::vector<StateStep>{{kAbort, 0, kIdle, 0}, {kRefresh, 0, kIdle, 0}}));
 
 TEST_F(Engine, SingleShotEndsWithTheFirstPaintedBuffer) {
   press(kSingle);
