@@ -25,8 +25,8 @@ TEST_F(PanelTest, LiveAtTwoThousandFramesPerSecondKeepsOnePaintWaiting) {
   pump_until([&] { return ctrl->queue().size() == 0; });
 
   const VrcAcquisitionCounters after = ctrl->GetCounters();
-  EXPECT_GT(live.acquired, 1000u);
-  EXPECT_GT(live.painted, 100u);
+  EXPECT_GT(live.acquired, 100u);  // fewer under ThreadSanitizer, where the UI thread is slow
+  EXPECT_GT(live.painted, 20u);
   EXPECT_EQ(after.most_paints_queued, 1u);
   EXPECT_LE(ctrl->queue().high_water(), 8u);
   EXPECT_EQ(ctrl->GetBuffersHeld(), 0);
