@@ -2,6 +2,8 @@
 // command line.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "tools/vrc-panel/options.h"
@@ -106,6 +108,21 @@ TEST(Options, RefusesWhatItDoesNotKnow) {
   EXPECT_EQ(parse({"--script"}).error, "option --script needs a value");
   EXPECT_EQ(parse({"--verbose"}).error, "unknown option '--verbose'");
   EXPECT_FALSE(parse({"file.txt"}).options);
+}
+
+// The demonstration script and a few awkward lines seed the script text's fuzz target.
+TEST(ScriptReader, WritesTheSeedsOfItsFuzzTarget) {
+  const std::filesystem::path folder = std::filesystem::path(VRC_SEED_DIR) / "panel_script_fuzz";
+  std::filesystem::create_directories(folder);
+  std::filesystem::copy_file(std::filesystem::path(VRC_SOURCE_DIR) / "tools/vrc-panel/demo.vrc",
+                             folder / "demo.vrc",
+                             std::filesystem::copy_options::overwrite_existing);
+  std::ofstream(folder / "awkward.vrc")
+      << "select 17028 \"a \\\" b\"\r\nproperty k a=1\\nb\n"
+         "setparam 0xFFFFFFFF -0x80000000\n# note\n\tset 1 \x01\xff\n";
+  std::ifstream demo(folder / "demo.vrc");
+  ScriptReader reader(demo);
+  EXPECT_EQ(reader.next_command(), "tab Configure");
 }
 
 }  // namespace

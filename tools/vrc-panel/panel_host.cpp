@@ -36,8 +36,8 @@ bool PanelHost::live() const {
 AcquisitionFigures PanelHost::figures() const {
   CVrxCtrl *ctrl = control();
   if (!ctrl) return {};
-  const auto counters = ctrl->GetAcquisitionCounters();
-  return {counters.acquired, counters.painted, counters.dropped, counters.frames_per_second};
+  const VrcAcquisitionCounters counters = ctrl->GetCounters();
+  return {counters.acquired, counters.painted, counters.dropped, counters.fps};
 }
 
 }  // namespace vrc_panel

@@ -33,7 +33,7 @@ struct AcquisitionFigures {
   uint64_t acquired = 0;  // buffers the board reported ready
   uint64_t painted = 0;   // buffers fetched and shown
   uint64_t dropped = 0;   // stale buffers handed back unshown
-  double fps = 0;         // frames per second acquired
+  double fps = 0;         // the frame rate the panel measured (its title's)
 };
 std::string figures_json(const AcquisitionFigures &figures);
 
