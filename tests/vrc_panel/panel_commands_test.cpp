@@ -163,8 +163,8 @@ TEST_F(PanelCommands, DumpListsTheActivePageInCreationOrder) {
       std::string::npos)
       << acquisition;
   EXPECT_NE(acquisition.find(
-                R"({"id": 101, "kind": "combo", "text": "", "enabled": true, "visible": true, )"
-                R"("selection": -1, "items": ["Each Positive Edge"]})"),
+                R"({"id": 101, "kind": "combo", "text": "Each Positive Edge", "enabled": true, )"
+                R"("visible": true, "selection": 0, "items": ["Each Positive Edge"]})"),
             std::string::npos)
       << acquisition;
   EXPECT_NE(

@@ -179,7 +179,7 @@ TEST(PanelScript, LiveAndFreezeOnTheSimulatedBoard) {
       "click 17002\n"
       "dump\n"
       "board set 0xC0070100 5\n"
-      "fault call:VRX_Acquire:1:0x8106\n"
+      "fault call:VRX_Acquire:2:0x8106\n"
       "click 17001\n"
       "dump\n"
       "click 17024\n"
@@ -224,18 +224,22 @@ TEST(PanelScript, LiveAndFreezeOnTheSimulatedBoard) {
   EXPECT_EQ(run.lines[16], "ok 0 0x00000000");
 }
 
-TEST(PanelScript, FileDialogsTakeTheScriptsAnswers) {
+TEST(PanelScript, InterruptBoxesTakeTheScriptsAnswers) {
   const PanelRun run = run_panel(
-      "answer-file cancel\n"
-      "click 17021\n"
-      "dialogs\n"
+      "click 17023\n"
+      "board set 0xC0024E00 0x80000001\n"
+      "answer-box cancel\n"
+      "event 0x1\n"
+      "wait 300\n"
+      "boxes\n"
+      "event 0x400\n"
+      "wait 200\n"
+      "boxes\n"
       "dialogs\n");
-  expect_lines(
-      run,
-      {"ok", "ok",
-       R"j(ok \[\{"save": false, "title": "[^"]*", "filters": \[\["Vireo Configuration File \(\*\.vcf\)", )j"
-       R"j("\*\.vcf"\]\], "filter_index": 1, "initial_name": "[^"]*", "flags": 6150, "answer": null\}\])j",
-       R"(ok \[\])"});
+  expect_lines(run, {"ok", "ok 0", "ok", "ok 0", "ok",
+                     R"(ok \[\{"caption": "Test Interrupt Received", "text": "VrxCtrl::OnInterruptTest", "type": 0, )"
+                     R"("answer": "cancel"\}\])",
+                     "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
 }
 
 TEST(PanelScript, QuitEndsTheScriptAndScreenshotsArePngFiles) {
