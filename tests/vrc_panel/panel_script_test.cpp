@@ -242,6 +242,16 @@ TEST(PanelScript, InterruptBoxesTakeTheScriptsAnswers) {
                      "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
 }
 
+TEST(PanelScript, EndOfInputWhileLiveClosesThePanelCleanly) {
+  const PanelRun run = run_panel(
+      "click 17023\n"
+      "board get 0x12345678\n"
+      "fps 1000\n"
+      "click 17001\n"
+      "wait 300\n");
+  expect_lines(run, {"ok", "ok 33026 0x00000000", "ok 0", "ok", "ok"});
+}
+
 TEST(PanelScript, QuitEndsTheScriptAndScreenshotsArePngFiles) {
   const std::string shot = test_name() + ".png", on_exit = test_name() + "-exit.png";
   std::remove(shot.c_str());
