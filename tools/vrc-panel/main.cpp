@@ -49,6 +49,16 @@ uint32_t show_imaging_report(const char *text, const char *caption) {
                                          vrc::window::MB_OK | vrc::window::MB_ICONERROR));
 }
 
+// The offscreen platform notes every window operation it cannot carry out (moving the sheet into
+// the main window, size hints); those notes say nothing about the panel and are dropped.
+QtMessageHandler g_default_message_handler = nullptr;
+
+void filter_platform_notes(QtMsgType type, const QMessageLogContext &context,
+                           const QString &message) {
+  if (type == QtWarningMsg && message.startsWith("This plugin does not support")) return;
+  g_default_message_handler(type, context, message);
+}
+
 std::shared_ptr<std::istream> open_script(const std::string &path) {
   if (path == "-") return std::shared_ptr<std::istream>(&std::cin, [](std::istream *) {});
   auto file = std::make_shared<std::ifstream>(path);
@@ -60,6 +70,8 @@ std::shared_ptr<std::istream> open_script(const std::string &path) {
 
 int main(int argc, char **argv) {
   QApplication application(argc, argv);
+  if (QGuiApplication::platformName() == "offscreen")
+    g_default_message_handler = qInstallMessageHandler(filter_platform_notes);
   const ParsedOptions parsed =
       parse_options(std::span<const char *const>(argv + 1, static_cast<std::size_t>(argc - 1)));
   if (!parsed.options) {
