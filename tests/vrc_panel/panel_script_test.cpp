@@ -236,10 +236,12 @@ TEST(PanelScript, InterruptBoxesTakeTheScriptsAnswers) {
       "wait 200\n"
       "boxes\n"
       "dialogs\n");
-  expect_lines(run, {"ok", "ok 0", "ok", "ok 0", "ok",
-                     R"(ok \[\{"caption": "Test Interrupt Received", "text": "VrxCtrl::OnInterruptTest", "type": 0, )"
-                     R"("answer": "cancel"\}\])",
-                     "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
+  expect_lines(
+      run,
+      {"ok", "ok 0", "ok", "ok 0", "ok",
+       R"(ok \[\{"caption": "Test Interrupt Received", "text": "VrxCtrl::OnInterruptTest", "type": 0, )"
+       R"("answer": "cancel"\}\])",
+       "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
 }
 
 TEST(PanelScript, EndOfInputWhileLiveClosesThePanelCleanly) {
