@@ -254,6 +254,19 @@ TEST(PanelScript, EndOfInputWhileLiveClosesThePanelCleanly) {
   expect_lines(run, {"ok", "ok 33026 0x00000000", "ok 0", "ok", "ok"});
 }
 
+TEST(PanelScript, AnInterruptWhileLiveClosesThePanelAsClosingItsWindowWould) {
+  const std::string script = test_name() + ".vrc", shot = test_name() + ".png";
+  std::ofstream(script) << "click 17023\nclick 17001\nwait 20000\nstatus\n";
+  std::remove(shot.c_str());
+  const PanelRun run =
+      run_shell("QT_QPA_PLATFORM=offscreen " + std::string(VRC_PANEL) + " --script " + script +
+                " --screenshot-on-exit " + shot +
+                " 2>/dev/null & pid=$!; sleep 1.5; kill -TERM $pid; " + "wait $pid");
+  // The wait ends early; the line after it is never run.
+  expect_lines(run, {"ok", "ok", "ok"});
+  EXPECT_TRUE(std::ifstream(shot).good());
+}
+
 TEST(PanelScript, QuitEndsTheScriptAndScreenshotsArePngFiles) {
   const std::string shot = test_name() + ".png", on_exit = test_name() + "-exit.png";
   std::remove(shot.c_str());
