@@ -34,13 +34,11 @@ AnswerSink *&report_sink() {
 }
 
 void report(const char *function, eStat status, const char *message) {
+  const std::string_view name = function ? function : "", text = message ? message : "";
   if (AnswerSink *sink = report_sink())
-    sink->callback(function ? function : "", static_cast<int>(status), message ? message : "");
+    sink->callback(name, static_cast<int>(status), text);
   else
-    std::fprintf(
-        stderr, "%s\n",
-        callback_line(function ? function : "", static_cast<int>(status), message ? message : "")
-            .c_str());
+    std::fprintf(stderr, "%s\n", callback_line(name, static_cast<int>(status), text).c_str());
 }
 
 // The imaging library's reports appear as the desktop's message boxes.
