@@ -55,8 +55,12 @@ class TestDesktop : public vrc::window::ScriptedDesktop {
     m_clock_ns = start_ns;
   }
   void advance_ms(double ms) { m_clock_ns += static_cast<uint64_t>(ms * 1e6); }
+  uint64_t performance_frequency() override { return m_frequency; }
+  // 0 makes the frequency read fail.
+  void set_frequency(uint64_t counts_per_second) { m_frequency = counts_per_second; }
 
  private:
+  uint64_t m_frequency = 1'000'000'000;
   bool m_manual_clock = false;
   uint64_t m_clock_ns = 0;
 };
