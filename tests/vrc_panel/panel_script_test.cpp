@@ -92,6 +92,8 @@ TEST(PanelScript, ErrorLinesNeverStopAScriptAndReportsComeFirst) {
       "property c a=1\\nb=2\n"
       "property b a=1\\nb\n"
       "counters\n"
+      "save-sequence 1 2\n"
+      "save-sequence 1\n"
       "select 17028 Any\n"
       "status\n");
   expect_lines(run, {"error unknown command 'bogus'",
@@ -117,6 +119,8 @@ TEST(PanelScript, ErrorLinesNeverStopAScriptAndReportsComeFirst) {
                      "ok 0",
                      "ok 2",
                      R"(ok \{"acquired": 0, "painted": 0, "dropped": 0, "fps": [0-9.]+\})",
+                     "error this panel has no sequence saving: its Display page does not offer it",
+                     "error usage: save-sequence FIRST LAST",
                      "error usage: select ID INDEX\\|\"TEXT\"",
                      "ok"});
 }
