@@ -248,6 +248,28 @@ TEST(PanelScript, InterruptBoxesTakeTheScriptsAnswers) {
        "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
 }
 
+TEST(PanelScript, FileDialogsTakeTheScriptsAnswers) {
+  const PanelRun run = run_panel(
+      "answer-file cancel\n"
+      "click 17021\n"
+      "answer-file /tmp/panel test/camera.vcf 1\n"
+      "click 17021\n"
+      "dialogs\n"
+      "dialogs\n"
+      "click 17022\n"
+      "dump\n");
+  const std::string request =
+      R"j(\{"save": false, "title": "[^"]*", "filters": \[\["Vireo Configuration File \(\*\.vcf\)", "\*\.vcf"\]\], )j"
+      R"j("filter_index": 1, "initial_name": "[^"]*", "flags": 6150, )j";
+  expect_lines(
+      run, {"ok", "ok", "ok", "ok",
+            "ok \\[" + request + R"("answer": null\}, )" + request +
+                R"("answer": "/tmp/panel test/camera\.vcf"\}\])",
+            R"(ok \[\])", "ok",
+            R"j(ok \{.*\{"id": 17020, "kind": "static", "text": "/tmp/panel test/camera\.vcf", .*)j"
+            R"j(\{"id": 17022, "kind": "button", "text": "Edit File", "enabled": true, .*)j"});
+}
+
 TEST(PanelScript, EndOfInputWhileLiveClosesThePanelCleanly) {
   const PanelRun run = run_panel(
       "click 17023\n"
