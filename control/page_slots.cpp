@@ -1,9 +1,13 @@
 // Page slots: templates of the pages that are only slots so far, and the page made for a slot.
 #include "control/page_slots.h"
 
+#include "control/pages/acqtrig_page.h"
+#include "control/pages/camera_page.h"
 #include "control/pages/configure_page.h"
 #include "control/pages/display_page.h"
+#include "control/pages/exposure_page.h"
 #include "control/pages/intrpt_page.h"
+#include "control/pages/roi_page.h"
 #include "control/vrx_page.h"
 
 namespace vrc::control {
@@ -34,6 +38,10 @@ std::unique_ptr<CVrxPage> make_page(PageSlot slot, CVrxCtrl *owner) {
     case PageSlot::Configure: return std::make_unique<CVrxPageConfigure>(owner);
     case PageSlot::Display: return std::make_unique<CVrxPageDisplay>(owner);
     case PageSlot::Intrpt: return std::make_unique<CVrcPageIntrpt>(owner);
+    case PageSlot::Camera: return std::make_unique<CVrxPageCamera>(owner);
+    case PageSlot::Acqtrig: return std::make_unique<CVrxPageAcqtrig>(owner);
+    case PageSlot::Exposure: return std::make_unique<CVrxPageExposure>(owner);
+    case PageSlot::Roi: return std::make_unique<CVrxPageRoi>(owner);
     default: return std::make_unique<CVrxPage>(owner, slot_template(slot));
   }
 }
