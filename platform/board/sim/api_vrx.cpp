@@ -217,6 +217,11 @@ uint32_t vrxsim_set_pocl_camera(uint32_t handle, uint32_t attached) {
                     [&](Channel& c, const CallReport& r) { return c.set_pocl_camera(r, attached != 0); });
 }
 
+uint32_t vrxsim_set_cxp_trip(uint32_t handle, uint32_t tripped) {
+  return on_channel("vrxsim_set_cxp_trip", handle,
+                    [&](Channel& c, const CallReport& r) { return c.set_cxp_trip(r, tripped != 0); });
+}
+
 uint64_t vrxsim_event_time_ns(uint32_t handle) {
   std::shared_ptr<Channel> channel = vrxsim::handles().find(handle);
   return channel ? channel->event_time_ns() : 0;

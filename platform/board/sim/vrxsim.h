@@ -58,6 +58,9 @@ VRX_API uint32_t vrxsim_parameter_force(uint32_t handle, uint32_t parameter, uin
 VRX_API uint64_t vrxsim_event_time_ns(uint32_t handle);
 /* Whether a PoCL camera (one that draws power over the cable) is attached; default no. */
 VRX_API uint32_t vrxsim_set_pocl_camera(uint32_t handle, uint32_t attached);
+/* Trips (1) or restores (0) the CoaXPress camera power, as an over-current would; writing
+   "Trip Reset" to the power parameter restores it too. CoaXPress boards only. */
+VRX_API uint32_t vrxsim_set_cxp_trip(uint32_t handle, uint32_t tripped);
 
 #ifdef __cplusplus
 }
