@@ -152,11 +152,11 @@ void CVrcPageCxp::on_command(int id, uint16_t code) {
   switch (id) {
     case pages::IdCameraWrite:
       update_data(true);
-      pages::WriteRegister(*this, pages::kCameraRegisterWrite, m_timeout_ms);
+      pages::WriteCameraRegister(*this, m_timeout_ms);
       break;
     case pages::IdCameraRead:
       update_data(true);
-      pages::ReadCameraRegisters(*this, m_timeout_ms);
+      pages::ReadCameraRegister(*this, m_timeout_ms);
       break;
     case pages::IdCameraReset:
       update_data(true);

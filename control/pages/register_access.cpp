@@ -1,13 +1,10 @@
-// Register access from hex texts. Texts are taken as a 256-character buffer would hold them and
-// parsed as the C library's "%8x" does, so that a prefix, blanks or a stray character behave
-// as they always have.
+// Register reads and writes by hand: the checks of the typed texts, the conversion of data text
+// to bytes, the control-port calls and the display of what came back.
 #include "control/pages/register_access.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
-#include <string>
-#include <vector>
+#include <cstring>
 
 #include "control/vrx_ctrl.h"
 #include "control/vrx_page.h"
@@ -18,134 +15,162 @@
 namespace vrc::pages {
 namespace {
 
-constexpr std::size_t kTextBuffer = 256;      // characters, with the terminator
-constexpr std::size_t kMaxAddressText = 8;    // hex digits of a 32-bit address
-constexpr std::size_t kMaxDataText = 128;     // hex digits of the data written or bytes read
-constexpr std::size_t kReceiveBuffer = 4096;  // bytes the page can take in one read
-constexpr std::size_t kShownDigits = 96;      // digits of a read shown at most
+constexpr std::size_t kTextBuffer = 256;  // characters read from an edit, terminator included
+constexpr std::size_t kMaxAddressDigits = 8;
+constexpr std::size_t kMaxDataDigits = 128;
+constexpr std::size_t kMaxShownDigits = 96;
 constexpr std::size_t kDigitsPerLine = 32;
-constexpr const char *kReadCaption = "Read from Camera";
 
-std::string edit_text(const CVrxPage &page, int id) {
-  const vrc::window::Window *edit = page.child(id);
-  std::string text = edit ? edit->text() : std::string();
-  if (text.size() > kTextBuffer - 1) text.resize(kTextBuffer - 1);
+struct PortTexts {
+  uint32_t port;
+  const char *write_title;
+};
+constexpr PortTexts kCameraPort{vrx::PortCamera, "Write to Camera"};
+constexpr PortTexts kGrabberPort{vrx::PortFrameGrabber, "Write to Frame Grabber"};
+constexpr const char *kReadCameraTitle = "Read from Camera";
+constexpr const char *kReadGrabberTitle = "Read from Frame Grabber";
+
+// An edit's text as a 256-character buffer holds it.
+std::string text_of(const CVrxPage &page, int id) {
+  const vrc::window::Window *control = page.child(id);
+  std::string text = control ? control->text() : std::string();
+  if (text.size() >= kTextBuffer) text.resize(kTextBuffer - 1);
   return text;
 }
 
-void tell(CVrxPage &page, const std::string &text, const char *caption) {
-  vrc::window::desktop().message_box(&page, text, caption, vrc::window::MB_OK);
+void show(CVrxPage &page, const char *text, const char *title) {
+  vrc::window::desktop().message_box(&page, text, title,
+                                     vrc::window::MB_OK | vrc::window::MB_ICONWARNING);
 }
 
-// "%<width>x" of the text; the value stays 0 when nothing parses.
-uint32_t parse_hex(const std::string &text, const char *format = "%8x") {
-  unsigned value = 0;
-  std::sscanf(text.c_str(), format, &value);
-  return value;
-}
-
-// Bytes from the left of a non-empty hex text: with an odd length the first digit alone, then
-// pairs.
-std::vector<uint8_t> data_bytes(const std::string &text) {
-  std::vector<uint8_t> bytes;
-  std::size_t at = 0;
-  if (text.size() % 2 == 1) {
-    bytes.push_back(static_cast<uint8_t>(parse_hex(text.substr(0, 1), "%01x")));
-    at = 1;
-  }
-  for (; at + 1 < text.size(); at += 2)
-    bytes.push_back(static_cast<uint8_t>(parse_hex(text.substr(at, 2), "%2x")));
-  return bytes;
-}
-
-std::string counts_text(const char *what, uint32_t requested, uint32_t received) {
+void show_count_mismatch(CVrxPage &page, const char *what, uint32_t requested, uint32_t received,
+                         const char *title) {
   char text[96];
   std::snprintf(text, sizeof text, "%s: Requested [0x%x], Read [0x%x]", what, requested, received);
-  return text;
+  show(page, text, title);
 }
 
-// Upper-case hex digits, two per byte, at most kShownDigits of them, in lines of 32.
-std::string result_text(CVrxPage &page, const uint8_t *bytes, uint32_t count) {
-  std::string digits;
-  for (uint32_t i = 0; i < count; ++i) {
-    char pair[3];
-    std::snprintf(pair, sizeof pair, "%02X", bytes[i]);
-    digits += pair;
-  }
-  if (digits.size() > kShownDigits) {
-    char text[64];
-    std::snprintf(text, sizeof text, "Only displaying the first %d characters", 48);
-    tell(page, text, kReadCaption);
-    digits.resize(kShownDigits);
-  }
-  std::string lines;
-  for (std::size_t at = 0; at < digits.size(); at += kDigitsPerLine) {
-    if (at > 0) lines += "\r\n";
-    lines += digits.substr(at, kDigitsPerLine);
-  }
-  return lines;
+void write_register(CVrxPage &page, const PortTexts &port, int address_id, int data_id,
+                    uint32_t timeout_ms) {
+  const std::string address_text = text_of(page, address_id);
+  const std::string data_text = text_of(page, data_id);
+  if (address_text.size() > kMaxAddressDigits)
+    return show(page, "Invalid write address", port.write_title);
+  if (data_text.size() > kMaxDataDigits) return show(page, "Invalid write data", port.write_title);
+  if (address_text.empty() || data_text.empty())
+    return show(page, "Insufficient write information", port.write_title);
+  uint32_t address = parse_hex(address_text);
+  std::vector<uint8_t> bytes = bytes_of_data_text(data_text);
+  auto count = static_cast<uint32_t>(bytes.size());
+  VRX_ControlWrite(page.GetCtrl()->GetCameraHandle(), port.port, &address, bytes.data(), &count,
+                   timeout_ms);
 }
+
+bool read_succeeded(uint32_t status) { return status == VRX_OK || status == VRX_STATUS_TIMEOUT; }
 
 }  // namespace
 
-uint32_t WriteRegister(CVrxPage &page, const RegisterWrite &write, uint32_t timeout_ms) {
-  const std::string address_text = edit_text(page, write.address_id);
-  const std::string data_text = edit_text(page, write.data_id);
-  if (address_text.size() > kMaxAddressText) {
-    tell(page, "Invalid write address", write.caption);
-    return 0;
-  }
-  if (data_text.size() > kMaxDataText) {
-    tell(page, "Invalid write data", write.caption);
-    return 0;
-  }
-  if (address_text.empty() || data_text.empty()) {
-    tell(page, "Insufficient write information", write.caption);
-    return 0;
-  }
-  uint32_t address = parse_hex(address_text);
-  std::vector<uint8_t> bytes = data_bytes(data_text);
-  auto count = static_cast<uint32_t>(bytes.size());
-  return VRX_ControlWrite(page.GetCtrl()->GetCameraHandle(), write.port, &address, bytes.data(),
-                          &count, timeout_ms);
+uint32_t parse_hex(std::string_view text, int digits) {
+  char format[8];
+  std::snprintf(format, sizeof format, "%%%dx", digits);
+  const std::string copy(text);
+  unsigned value = 0;
+  if (std::sscanf(copy.c_str(), format, &value) != 1) return 0;
+  return value;
 }
 
-uint32_t ReadCameraRegisters(CVrxPage &page, uint32_t timeout_ms) {
-  const std::string address_text = edit_text(page, IdCameraReadAddress);
-  const std::string count_text = edit_text(page, IdCameraReadCount);
-  if (address_text.size() > kMaxAddressText) {
-    tell(page, "Invalid camera read address", kReadCaption);
-    return 0;
+std::vector<uint8_t> bytes_of_data_text(std::string_view text) {
+  std::vector<uint8_t> bytes;
+  std::size_t at = 0;
+  if (text.size() % 2 == 1) {
+    bytes.push_back(static_cast<uint8_t>(parse_hex(text.substr(0, 1), 1)));
+    at = 1;
   }
-  if (count_text.size() > kMaxDataText) {
-    tell(page, "Invalid number of bytes to read", kReadCaption);
-    return 0;
-  }
-  const uint32_t requested = parse_hex(count_text, "%x");
-  if (requested == 0) return 0;
+  for (; at < text.size(); at += 2)
+    bytes.push_back(static_cast<uint8_t>(parse_hex(text.substr(at, 2), 2)));
+  if (bytes.empty()) bytes.push_back(0);
+  return bytes;
+}
 
-  // A request larger than the page's buffer asks for what fits, and shows as a short read.
-  std::array<uint8_t, kReceiveBuffer> buffer{};
+std::string hex_digits(const std::vector<uint8_t> &bytes) {
+  std::string digits;
+  char pair[3];
+  for (uint8_t byte : bytes) {
+    std::snprintf(pair, sizeof pair, "%02X", byte);
+    digits += pair;
+  }
+  return digits;
+}
+
+std::string camera_read_display(const std::vector<uint8_t> &bytes) {
+  std::string digits = hex_digits(bytes);
+  if (digits.size() > kMaxShownDigits) digits.resize(kMaxShownDigits);
+  std::string text;
+  for (std::size_t at = 0; at < digits.size(); at += kDigitsPerLine) {
+    if (at > 0) text += "\r\n";
+    text += digits.substr(at, kDigitsPerLine);
+  }
+  return text;
+}
+
+void WriteCameraRegister(CVrxPage &page, uint32_t timeout_ms) {
+  write_register(page, kCameraPort, IdCameraWriteAddress, IdCameraWriteData, timeout_ms);
+}
+
+void WriteGrabberRegister(CVrxPage &page, uint32_t timeout_ms) {
+  write_register(page, kGrabberPort, IdGrabberWriteAddress, IdGrabberWriteData, timeout_ms);
+}
+
+void ReadCameraRegister(CVrxPage &page, uint32_t timeout_ms) {
+  const std::string address_text = text_of(page, IdCameraReadAddress);
+  const std::string count_text = text_of(page, IdCameraReadCount);
+  if (address_text.size() > kMaxAddressDigits)
+    return show(page, "Invalid camera read address", kReadCameraTitle);
+  if (count_text.size() > kMaxDataDigits)
+    return show(page, "Invalid number of bytes to read", kReadCameraTitle);
+  const uint32_t requested = parse_hex(count_text);
+  if (count_text.empty() || requested == 0) return;
+
   uint32_t address = parse_hex(address_text);
-  uint32_t received = std::min<uint32_t>(requested, kReceiveBuffer);
+  std::vector<uint8_t> received(std::min(requested, kReceiveBufferSize));
+  auto count = static_cast<uint32_t>(received.size());
   const uint32_t status = VRX_ControlRead(page.GetCtrl()->GetCameraHandle(), vrx::PortCamera,
-                                          &address, buffer.data(), &received, timeout_ms);
-  if (status != VRX_OK && status != VRX_STATUS_TIMEOUT) return status;
-  if (received > requested) {
-    tell(page, counts_text("OVERFLOW", requested, received), kReadCaption);
-    return status;
+                                          &address, received.data(), &count, timeout_ms);
+  if (!read_succeeded(status)) return;
+  if (count > requested)
+    return show_count_mismatch(page, "OVERFLOW", requested, count, kReadCameraTitle);
+  if (count < requested) show_count_mismatch(page, "TIMEOUT", requested, count, kReadCameraTitle);
+  received.resize(std::min<std::size_t>(count, received.size()));
+  if (received.size() * 2 > kMaxShownDigits) {
+    char text[64];
+    std::snprintf(text, sizeof text, "Only displaying the first %d characters",
+                  static_cast<int>(kMaxShownDigits / 2));
+    show(page, text, kReadCameraTitle);
   }
-  if (received < requested) tell(page, counts_text("TIMEOUT", requested, received), kReadCaption);
-  const std::string shown =
-      result_text(page, buffer.data(), std::min<uint32_t>(received, kReceiveBuffer));
-  if (vrc::window::Window *result = page.child(IdCameraReadResult)) result->set_text(shown);
-  return status;
+  if (vrc::window::Window *result = page.child(IdCameraReadResult))
+    result->set_text(camera_read_display(received));
 }
 
-uint32_t ResetCamera(CVrxPage &page, uint32_t timeout_ms) {
-  uint32_t argument = 0;
-  return VRX_ControlReset(page.GetCtrl()->GetCameraHandle(), vrx::PortCamera, &argument,
-                          timeout_ms);
+void ReadGrabberRegister(CVrxPage &page, uint32_t timeout_ms) {
+  const std::string address_text = text_of(page, IdGrabberReadAddress);
+  if (address_text.size() > kMaxAddressDigits)
+    return show(page, "Invalid read address", kReadGrabberTitle);
+  if (address_text.empty()) return;
+  uint32_t address = parse_hex(address_text);
+  std::vector<uint8_t> received(4);
+  uint32_t count = 4;
+  const uint32_t status = VRX_ControlRead(page.GetCtrl()->GetCameraHandle(), vrx::PortFrameGrabber,
+                                          &address, received.data(), &count, timeout_ms);
+  if (!read_succeeded(status)) return;
+  if (count != 4) show_count_mismatch(page, "TIMEOUT", 4, count, kReadGrabberTitle);
+  received.resize(std::min<uint32_t>(count, 4));
+  if (vrc::window::Window *result = page.child(IdGrabberReadResult))
+    result->set_text(hex_digits(received));
+}
+
+void ResetCamera(CVrxPage &page, uint32_t timeout_ms) {
+  uint32_t zero = 0;
+  VRX_ControlReset(page.GetCtrl()->GetCameraHandle(), vrx::PortCamera, &zero, timeout_ms);
 }
 
 }  // namespace vrc::pages
