@@ -226,18 +226,6 @@ INSTANTIATE_TEST_SUITE_P(Pages, CameraPages, ::testing::ValuesIn(kPages),
 
 class CameraPage : public PageFixture {};
 
-TEST_F(CameraPage, ListsKeepTheirDeliberateGapsAndTwins) {
-  auto &camera = page<CVrxPageCamera>(PageSlot::Camera);
-  const auto *type = camera.control<vrc::window::ComboBox>(17110);
-  ASSERT_EQ(type->count(), 3);
-  EXPECT_EQ(type->item_data(2), 0xC0021404u);
-  const auto *direction = camera.control<vrc::window::ComboBox>(17112);
-  ASSERT_EQ(direction->count(), 4);
-  EXPECT_EQ(direction->item_data(2), 0xC0021604u);
-  EXPECT_EQ(direction->item_data(3), 0xC0021604u);
-  EXPECT_EQ(direction->item_text(3), "Diverging");
-}
-
 TEST_F(CameraPage, VerticalConvergingReadsAsDivergingAndTheBoardsConvergingFails) {
   configure();
   auto &camera = page<CVrxPageCamera>(PageSlot::Camera);

@@ -123,13 +123,6 @@ TEST_F(PoclPage, ApplyWritesNothingAndAFailedReadFailsTheRefresh) {
   EXPECT_EQ(refresh(pocl()), 0);
 }
 
-TEST_F(PoclPage, TheSimulatedBoardCanStartWithAPoclCamera) {
-  const ScopedBoardSetting camera("VRXSIM_POCL_CAMERA", "1");
-  configure();
-  EXPECT_EQ(pocl().OnDetect(), VRX_OK);
-  EXPECT_EQ(text(pocl(), 17384), "PoCL");
-}
-
 // ---- Comms ----
 
 struct CommsSetting {
@@ -296,15 +289,6 @@ class CxpPage : public PageFixture {
 };
 
 using Texts = std::vector<std::string>;
-
-TEST_F(CxpPage, OnlyACoaXPressBoardShowsThePage) {
-  EXPECT_LT(ctrl().page_index(ctrl().GetPage(PageSlot::Cxp)), 0);
-  configure(kCameraLinkBoard);
-  EXPECT_LT(ctrl().page_index(ctrl().GetPage(PageSlot::Cxp)), 0);
-  release();
-  configure(kCoaXPressBoard);
-  EXPECT_GE(ctrl().page_index(ctrl().GetPage(PageSlot::Cxp)), 0);
-}
 
 TEST_F(CxpPage, ShowsTheLinkStateAndWritesTheModeInOrder) {
   configure(kCoaXPressBoard);
