@@ -220,7 +220,7 @@ TEST_P(CameraPages, ARefreshStopsAtAValueMissingFromItsList) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Pages, CameraPages, ::testing::ValuesIn(kPages),
-                         [](const auto &info) { return std::string(info.param.name); });
+                         [](const auto &param_info) { return std::string(param_info.param.name); });
 
 // ---- Single pages ----
 
