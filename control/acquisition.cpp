@@ -23,9 +23,10 @@ void CVrxCtrl::CtrlEventCallback(uint32_t handle, uint32_t event_mask, void *con
       ctrl->ErrHandler("VrxCtrl::CtrlEventCallback", VRC_OK, "Event semaphore is NULL");
       return;
     }
-    // A skipped post gives the semaphore back: with another message of the panel waiting (not a
-    // paint, which would hold the semaphore itself) nothing would ever release it.
-    if (ctrl->m_event_semaphore->try_take() && ctrl->m_has_window.load() && !ctrl->PostPaint())
+    // A paint that cannot be posted (no window, or another message of the panel waiting, which
+    // is not a paint: a paint would hold the semaphore itself) gives the semaphore back, or
+    // nothing would ever release it.
+    if (ctrl->m_event_semaphore->try_take() && !(ctrl->m_has_window.load() && ctrl->PostPaint()))
       ctrl->m_event_semaphore->release();
   }
   if (event_mask & VRX_EVENT_FIFO_OVERFLOW) {
@@ -70,18 +71,14 @@ void CVrxCtrl::NotifyDisplayPage() {
   if (m_display) msg::post_coalesced(*m_display, msg::kMsgCaptureDone);
 }
 
-void CVrxCtrl::OnLive() {
-  OnApply();
-  m_live = 1;
-  if (m_display) m_display->SetPlaying(0);
-  ResetCounters();
-  Acquire();
-  PostRefresh();
-}
+void CVrxCtrl::OnLive() { StartCapture(1); }
 
-void CVrxCtrl::OnSingle() {
+void CVrxCtrl::OnSingle() { StartCapture(0); }
+
+// Live and Single Shot: apply the pages' settings, then start capturing continuously or once.
+void CVrxCtrl::StartCapture(int live) {
   OnApply();
-  m_live = 0;
+  m_live = live;
   if (m_display) m_display->SetPlaying(0);
   ResetCounters();
   Acquire();

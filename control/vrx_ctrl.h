@@ -134,9 +134,8 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   void destroy_window() override;
 
  private:
-  void CreateButtons();
-  void PlaceButtons();
   void AbortForApply();
+  void StartCapture(int live);
   void StopCapture(uint32_t operation);
   bool PageReady(const CVrxPage *page) const;
   void AddPageIfHidden(vrc::control::PageSlot slot, int &hidden);

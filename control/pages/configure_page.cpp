@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <vector>
 
 #include "control/pages/configure_choices.h"
 #include "control/vrx_ctrl.h"
@@ -97,8 +98,72 @@ bool CVrxPageConfigure::on_init_dialog() {
 
 void CVrxPageConfigure::on_command(int id, uint16_t code) {
   if (code != vrc::window::BN_CLICKED) return;
-  if (id == IdConfigure) OnConfigure();
-  if (id == IdRelease) OnRelease();
+  switch (id) {
+    case IdSelectFile: OnSelectFile(); break;
+    case IdEditFile: OnEditFile(); break;
+    case IdSaveAsFile: OnSaveAsFile(); break;
+    case IdConfigure: OnConfigure(); break;
+    case IdRelease: OnRelease(); break;
+    default: break;
+  }
+}
+
+std::string CVrxPageConfigure::PathDisplayText(std::string_view path) {
+  constexpr std::size_t kLimit = 27;
+  if (path.size() <= kLimit) return std::string(path);
+  const std::size_t last_slash = path.rfind('/');
+  const std::string tail =
+      "..." + std::string(path.substr(last_slash == std::string_view::npos ? 0 : last_slash));
+  if (tail.size() >= kLimit) return tail.substr(tail.size() - kLimit);
+  std::string head;
+  for (std::size_t start = 0; start < path.size();) {
+    const std::size_t slash = path.find('/', start);
+    if (slash == std::string_view::npos) break;
+    const std::string_view component = path.substr(start, slash + 1 - start);
+    if (head.size() + component.size() + tail.size() >= kLimit) break;
+    head += component;
+    start = slash + 1;
+  }
+  return head + tail;
+}
+
+namespace {
+
+const std::vector<vrc::window::FileFilter> kConfigFilters{
+    {"Vireo Configuration File (*.vcf)", "*.vcf"}};
+
+}  // namespace
+
+void CVrxPageConfigure::OnSelectFile() {
+  vrc::window::FileDialogRequest request;
+  request.owner = GetCtrl();
+  request.filters = kConfigFilters;
+  request.flags = vrc::window::OFN_FILEMUSTEXIST | vrc::window::OFN_PATHMUSTEXIST |
+                  vrc::window::OFN_HIDEREADONLY | vrc::window::OFN_OVERWRITEPROMPT;
+  const vrc::window::FileDialogResult chosen = vrc::window::desktop().file_dialog(request);
+  if (!chosen.accepted) return;
+  m_config_path = chosen.path;
+  m_config_text = PathDisplayText(m_config_path);
+  UpdateControls();
+}
+
+void CVrxPageConfigure::OnEditFile() { vrc::window::desktop().start_editor(m_config_path); }
+
+// Saves the open board's camera configuration; a name without an extension gets ".vcf".
+void CVrxPageConfigure::OnSaveAsFile() {
+  vrc::window::FileDialogRequest request;
+  request.save = true;
+  request.owner = GetCtrl();
+  request.filters = kConfigFilters;
+  request.flags = vrc::window::OFN_PATHMUSTEXIST | vrc::window::OFN_HIDEREADONLY |
+                  vrc::window::OFN_OVERWRITEPROMPT;
+  const vrc::window::FileDialogResult chosen = vrc::window::desktop().file_dialog(request);
+  if (!chosen.accepted) return;
+  std::string path = chosen.path;
+  const std::size_t name = path.rfind('/');
+  if (path.find('.', name == std::string::npos ? 0 : name) == std::string::npos) path += ".vcf";
+  VRX_CameraConfigSave(GetCtrl()->GetCameraHandle(), path.c_str(), vrx::CfgSaveAll);
+  UpdateControls();
 }
 
 CVrxPage::LRESULT CVrxPageConfigure::handle_message(uint32_t message, vrc::window::WPARAM wparam,

@@ -1,4 +1,5 @@
-// The Configure page: the user picks a board type, board number, channel and board mode, opens
+// The Configure page: the user picks a board type, board number, channel and board mode and an
+// optional camera configuration file (which can be edited, and saved from the open board), opens
 // the board ("Configure") and closes it again ("Release"). Opening creates and opens the SDK
 // handle, hands it to the control, registers the event callback, lets the Display page set
 // itself up, decides which tabs are shown and sets the panel's title. WM_USER+9 closes the board
@@ -6,6 +7,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "control/vrx_page.h"
 
@@ -25,6 +27,14 @@ class VRC_API CVrxPageConfigure : public CVrxPage {
 
   int OnConfigure();
   int OnRelease();
+  void OnSelectFile();
+  void OnEditFile();
+  void OnSaveAsFile();
+  const std::string &GetConfigPath() const { return m_config_path; }
+
+  // The text that stands for a configuration file's path in the 27-character field: the path
+  // itself, or "..." and the file name after as many leading folders as fit.
+  static std::string PathDisplayText(std::string_view path);
 
  protected:
   void do_data_exchange(vrc::window::DataExchange &exchange) override;

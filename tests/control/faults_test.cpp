@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
                   kLiveButtons, true},
         FaultCase{"close", Start::Idle, "call:VRX_Close:1:0x8104", kRelease, 0, kIdle, true},
         FaultCase{"destroy", Start::Idle, "call:VRX_Destroy:1:0x8101", kRelease, 0, kIdle, true}),
-    [](const ::testing::TestParamInfo<FaultCase> &info) { return std::string(info.param.name); });
+    [](const ::testing::TestParamInfo<FaultCase> &test) { return std::string(test.param.name); });
 
 TEST_F(PanelTest, AFailedDisplayLeavesBuffersFlowingUnpainted) {
   make();
