@@ -3,10 +3,10 @@
 #include "control/pages/comms_page.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
 #include "control/pages/comms_choices.h"
+#include "control/pages/configure_page.h"
 #include "control/vrx_ctrl.h"
 #include "platform/board/vrx_params.h"
 #include "platform/window/desktop.h"
@@ -212,7 +212,7 @@ void CVrxPageComms::OnSelectFile() {
   if (!result.accepted) return;
   m_file_path = result.path;
   if (auto *name = child(IdFileName))
-    name->set_text(std::filesystem::path(m_file_path).filename().string());
+    name->set_text(CVrxPageConfigure::PathDisplayText(m_file_path));
 }
 
 // Each line of the file (at most 255 characters, its own line ending included) is one transmit.

@@ -250,7 +250,7 @@ TEST_F(CommsPage, SendFileSendsTheChosenFileLineByLine) {
   click(comms(), 17192);
   ASSERT_EQ(desk().file_requests().size(), 1u);
   EXPECT_FALSE(desk().file_requests()[0].save);
-  EXPECT_EQ(text(comms(), 17370), "vrc_comms_send_file.txt");
+  EXPECT_EQ(text(comms(), 17370), CVrxPageConfigure::PathDisplayText(file.string()));
   click(comms(), 17191);
   EXPECT_EQ(received(), "OK\r\nEXP=2500\r\nGAIN=256\r\n");
   EXPECT_TRUE(take_reports().empty());
