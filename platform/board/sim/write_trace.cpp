@@ -16,7 +16,7 @@ bool carries_pointer(uint32_t parameter) {
 
 }  // namespace
 
-WriteTrace& write_trace() {
+WriteTrace &write_trace() {
   static WriteTrace trace;
   return trace;
 }
@@ -32,10 +32,11 @@ void WriteTrace::stop() {
   m_on = false;
 }
 
-void WriteTrace::record(uint32_t handle, uint32_t parameter, const void* value, uint32_t status) {
+void WriteTrace::record(uint32_t handle, uint32_t parameter, const void *value, uint32_t status) {
   std::lock_guard lock(m_mutex);
   if (!m_on || m_writes.size() >= kMaxWrites) return;
-  const uint32_t word = value && !carries_pointer(parameter) ? *static_cast<const uint32_t*>(value) : 0;
+  const uint32_t word =
+      value && !carries_pointer(parameter) ? *static_cast<const uint32_t *>(value) : 0;
   m_writes.push_back({handle, parameter, word, status});
 }
 

@@ -14,7 +14,7 @@ class WriteTrace {
  public:
   void start();
   void stop();
-  void record(uint32_t handle, uint32_t parameter, const void* value, uint32_t status);
+  void record(uint32_t handle, uint32_t parameter, const void *value, uint32_t status);
   std::vector<VRXSIM_PARAMETER_WRITE> writes() const;
 
  private:
@@ -23,6 +23,6 @@ class WriteTrace {
   std::vector<VRXSIM_PARAMETER_WRITE> m_writes;
 };
 
-WriteTrace& write_trace();
+WriteTrace &write_trace();
 
 }  // namespace vrxsim
