@@ -42,8 +42,6 @@ constexpr ControlTemplate kControls[] = {
     {IdLinkCount, ControlKind::Combo, "", kModeGroup},
     {IDC_STATIC, ControlKind::Label, "Power", kModeGroup},
     {IdPower, ControlKind::Combo, "", kModeGroup},
-    {IDC_STATIC, ControlKind::Label, "Timeout (ms)", kModeGroup},
-    {IdTimeout, ControlKind::Edit, "", kModeGroup},
     {IDC_STATIC, ControlKind::Label, "Link Speed", kStatusGroup},
     {IdCurrentSpeed, ControlKind::Static, "", kStatusGroup},
     {IDC_STATIC, ControlKind::Label, "Link Count", kStatusGroup},
@@ -72,6 +70,8 @@ constexpr ControlTemplate kControls[] = {
     {pages::IdCameraReadCount, ControlKind::Edit, "", kReadGroup},
     {pages::IdCameraRead, ControlKind::Button, "Read", kReadGroup},
     {pages::IdCameraReadResult, ControlKind::MultiLineEdit, "", kReadGroup},
+    {IDC_STATIC, ControlKind::Label, "Register time-out (ms)", ""},
+    {IdTimeout, ControlKind::Edit, "", ""},
 };
 
 constexpr vrc::window::DialogTemplate kDialog{16174, "CXP", kControls};
