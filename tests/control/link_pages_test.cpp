@@ -311,6 +311,15 @@ TEST_F(CxpPage, ShowsTheLinkStateAndWritesTheModeInOrder) {
   trace();
   EXPECT_EQ(apply(cxp()), -1);
   EXPECT_EQ(traced().size(), 2u);
+
+  // Refresh shows what the board holds, and fails at a value its list lacks.
+  set_board_value(ParamCxpLinkSpeed, CxpSpeedAutomatic);
+  set_board_value(ParamCxpPower, CxpPowerForceOn);
+  ASSERT_EQ(refresh(cxp()), 0);
+  EXPECT_EQ(selection(cxp(), 17410), 0);
+  EXPECT_EQ(selection(cxp(), 17412), 3);
+  vrxsim_parameter_force(handle(), ParamCxpLinkCount, 0xC0091205);
+  EXPECT_EQ(refresh(cxp()), -1);
 }
 
 TEST_F(CxpPage, PowerOffAndATripLoseTheCameraUntilReset) {
