@@ -3,9 +3,16 @@
 
 #include <atomic>
 
+#include "control/pages/acqtrig_page.h"
+#include "control/pages/camera_page.h"
+#include "control/pages/comms_page.h"
 #include "control/pages/configure_page.h"
+#include "control/pages/cxp_page.h"
 #include "control/pages/display_page.h"
+#include "control/pages/exposure_page.h"
 #include "control/pages/intrpt_page.h"
+#include "control/pages/pocl_page.h"
+#include "control/pages/roi_page.h"
 #include "control/vrx_page.h"
 
 namespace vrc::control {
@@ -45,6 +52,13 @@ std::unique_ptr<CVrxPage> make_default_page(PageSlot slot, CVrxCtrl *owner) {
     case PageSlot::Configure: return std::make_unique<CVrxPageConfigure>(owner);
     case PageSlot::Display: return std::make_unique<CVrxPageDisplay>(owner);
     case PageSlot::Intrpt: return std::make_unique<CVrcPageIntrpt>(owner);
+    case PageSlot::Camera: return std::make_unique<CVrxPageCamera>(owner);
+    case PageSlot::Acqtrig: return std::make_unique<CVrxPageAcqtrig>(owner);
+    case PageSlot::Exposure: return std::make_unique<CVrxPageExposure>(owner);
+    case PageSlot::Roi: return std::make_unique<CVrxPageRoi>(owner);
+    case PageSlot::Comms: return std::make_unique<CVrxPageComms>(owner);
+    case PageSlot::Cxp: return std::make_unique<CVrcPageCxp>(owner);
+    case PageSlot::Pocl: return std::make_unique<CVrcPagePocl>(owner);
     default: return std::make_unique<CVrxPage>(owner, slot_template(slot));
   }
 }

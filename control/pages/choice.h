@@ -21,4 +21,12 @@ constexpr std::span<const Choice> rows_of(std::span<const Choice> table) {
   return table.first(n);
 }
 
+// The text of the row holding `value`, or `otherwise`.
+constexpr const char *text_of(std::span<const Choice> table, uint32_t value,
+                              const char *otherwise = "") {
+  for (const Choice &row : rows_of(table))
+    if (row.value == value) return row.text;
+  return otherwise;
+}
+
 }  // namespace vrc::pages

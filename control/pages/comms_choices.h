@@ -24,5 +24,12 @@ inline constexpr Choice kCommsStopBitsChoices[] = {
 // Line ending the Comms page appends when it sends: a page setting, not a board parameter.
 inline constexpr Choice kCommsLineEndingChoices[] = {
     {0, "CRLF"}, {1, "CR"}, {2, "LF"}, {3, "None"}, kChoiceEnd};
+// The characters each line ending stands for, by its value.
+inline constexpr const char *kCommsLineEndings[] = {"\r\n", "\r", "\n", ""};
+
+// What the page shows for the serial interface and the link status it reads.
+inline constexpr Choice kCommsInterfaceTexts[] = {
+    {vrx::CommsRs232, "RS232"}, {vrx::CommsLvds, "LVDS"}, kChoiceEnd};
+inline constexpr Choice kCommsStatusTexts[] = {{0, "Idle"}, {1, "Data waiting"}, kChoiceEnd};
 
 }  // namespace vrc::pages

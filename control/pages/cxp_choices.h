@@ -25,4 +25,11 @@ inline constexpr Choice kCxpPowerChoices[] = {{vrx::CxpPowerAutomatic, "Automati
                                               {vrx::CxpPowerForceOn, "Force On"},
                                               kChoiceEnd};
 
+// What the Status group shows for the link's read-only state.
+inline constexpr Choice kCxpPowerStateTexts[] = {{vrx::CxpPowerStatePowered, "Powered"},
+                                                 {vrx::CxpPowerStateUnavailable, "Unavailable"},
+                                                 {vrx::CxpPowerStateTripped, "Tripped"},
+                                                 kChoiceEnd};
+inline constexpr Choice kCxpPresentTexts[] = {{1, "Yes"}, {0, "No"}, kChoiceEnd};
+
 }  // namespace vrc::pages

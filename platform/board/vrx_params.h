@@ -304,6 +304,7 @@ inline constexpr uint32_t ParamCxpPower = 0xC0091100;
 inline constexpr uint32_t ParamCxpCurrentSpeed = 0xC0090200;  // read only
 inline constexpr uint32_t ParamCxpCurrentLinks = 0xC0090400;  // read only
 inline constexpr uint32_t ParamCxpDiscovery = 0xC0090100;     // read only: 1 camera found, 0 none
+inline constexpr uint32_t ParamCxpPowerState = 0xC0090300;    // read only: CxpPowerState*
 
 inline constexpr uint32_t CxpSpeedAutomatic = 0xC0091001;
 inline constexpr uint32_t CxpLinksAutomatic = 0xC0091201;
@@ -311,6 +312,9 @@ inline constexpr uint32_t CxpPowerAutomatic = 0xC0091101;
 inline constexpr uint32_t CxpPowerOff = 0xC0091102;
 inline constexpr uint32_t CxpPowerTripReset = 0xC0091103;
 inline constexpr uint32_t CxpPowerForceOn = 0xC0091104;
+inline constexpr uint32_t CxpPowerStatePowered = 0xC0090301;      // the camera is powered
+inline constexpr uint32_t CxpPowerStateUnavailable = 0xC0090302;  // power switched off
+inline constexpr uint32_t CxpPowerStateTripped = 0xC0090303;      // over-current: Trip Reset
 
 inline constexpr auto kCxpLinkSpeedValues = value_range<CxpSpeedAutomatic, 0xC0091006>();
 inline constexpr auto kCxpLinkCountValues = value_range<CxpLinksAutomatic, 0xC0091204>();

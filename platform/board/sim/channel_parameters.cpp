@@ -71,6 +71,10 @@ std::optional<uint32_t> Channel::get_computed(uint32_t id, void *value) {
   const BoardModel &model = *board.model;
   const ParameterStore &store = board.store;
   uint32_t &word = word_at(value);
+  if (std::optional<uint32_t> link = board.cxp.read(model, store, id)) {
+    word = *link;
+    return VRX_OK;
+  }
   switch (id) {
     case ParamBoardInfo:
       *static_cast<const char **>(value) = board.info_text.c_str();
@@ -102,25 +106,6 @@ std::optional<uint32_t> Channel::get_computed(uint32_t id, void *value) {
                  ? CommsLvds
                  : CommsRs232;
       return VRX_OK;
-    case ParamCxpDiscovery: word = store.value(ParamCxpPower) == CxpPowerOff ? 0 : 1; return VRX_OK;
-    case ParamCxpCurrentSpeed: {
-      const uint32_t speed = store.value(ParamCxpLinkSpeed);
-      word = store.value(ParamCxpPower) == CxpPowerOff ? 0
-             : speed == CxpSpeedAutomatic              ? 0xC0091005
-                                                       : speed;
-      return VRX_OK;
-    }
-    case ParamCxpCurrentLinks: {
-      // The most links the board has, or fewer when asked for fewer.
-      const uint32_t best = model.cxp_links >= 4   ? 0xC0091204
-                            : model.cxp_links == 2 ? 0xC0091203
-                                                   : 0xC0091202;
-      const uint32_t asked = store.value(ParamCxpLinkCount);
-      word = store.value(ParamCxpPower) == CxpPowerOff ? 0
-             : asked == CxpLinksAutomatic              ? best
-                                                       : std::min(asked, best);
-      return VRX_OK;
-    }
     default: return std::nullopt;
   }
 }
@@ -196,6 +181,7 @@ uint32_t Channel::set_special(const CallReport &report, uint32_t id, uint32_t va
     case ParamCxpDiscovery:
     case ParamCxpCurrentSpeed:
     case ParamCxpCurrentLinks:
+    case ParamCxpPowerState:
       return report.fail(VRX_ERR_READ_ONLY, "Parameter " + hex(id) + " can only be read");
     default: handled = false; return VRX_OK;
   }
@@ -224,6 +210,7 @@ uint32_t Channel::set_parameter(const CallReport &report, uint32_t id, void *val
     return report.fail(VRX_ERR_BUSY, "Parameter " + hex(id) + " cannot change during acquisition");
   if (uint32_t result = m_board->store.set(id, word))
     return report.fail(result, "Value " + hex(word) + " not accepted for " + hex(id));
+  if (id == ParamCxpPower) m_board->cxp.power_written(word);
   return VRX_OK;
 }
 
