@@ -3,6 +3,7 @@
 // to as many files with plain fwrite (the peer). Prints the time of each and its ratio to the
 // peer. Runs on the offscreen Qt platform with scripted dialogs.
 #include <QApplication>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -94,7 +95,10 @@ int main(int argc, char **argv) {
   fs::create_directories(folder);
   uint32_t line_length = 0;
   VRX_ParameterGet(handle, vrx::ParamDstXLength, &line_length);
-  const double peer = fwrite_frames(*display, folder, std::size_t{line_length} * kHeight);
+  const std::size_t frame_bytes = std::size_t{line_length} * kHeight;
+  // The peer runs twice and counts its faster run: the first also warms the folder and the cache.
+  const double peer = std::min(fwrite_frames(*display, folder, frame_bytes),
+                               fwrite_frames(*display, folder, frame_bytes));
   std::printf("%u frames of %u x %u 8-bit mono\n", kFrames, kWidth, kHeight);
   std::printf("%-6s %9.3f s\n", "fwrite", peer);
   const struct {
