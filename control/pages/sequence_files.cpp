@@ -60,6 +60,19 @@ class SequenceImages {
   uint32_t frame = 0, converted = 0, jpeg = 0;
 };
 
+// The save or load dialog, opening on its first filter with that filter's pattern.
+vrc::window::FileDialogResult ask_for_file(CVrxCtrl *owner, bool save,
+                                           const std::vector<FileFilter> &filters) {
+  vrc::window::FileDialogRequest request;
+  request.save = save;
+  request.owner = owner;
+  request.filters = filters;
+  request.filter_index = 1;
+  request.initial_name = filters.front().pattern;
+  request.flags = kDialogFlags;
+  return desktop().file_dialog(request);
+}
+
 std::string format_text(const char *format, const char *argument) {
   char text[512];
   std::snprintf(text, sizeof text, format, argument);
@@ -136,14 +149,7 @@ bool shape_frame_image(uint32_t image, const vrc::pages::SequenceFormat &format,
 }  // namespace
 
 uint32_t CVrxPageDisplay::SaveSequence(uint32_t board, uint32_t first, uint32_t last) {
-  vrc::window::FileDialogRequest request;
-  request.save = true;
-  request.owner = GetCtrl();
-  request.filters = kSaveFilters;
-  request.filter_index = 1;
-  request.initial_name = "*.tif";
-  request.flags = kDialogFlags;
-  const vrc::window::FileDialogResult chosen = desktop().file_dialog(request);
+  const vrc::window::FileDialogResult chosen = ask_for_file(GetCtrl(), true, kSaveFilters);
   if (!chosen.accepted) return 0;
   const vrc::pages::SequenceFileType file_type = vrc::pages::save_file_type(chosen.filter_index);
 
@@ -279,13 +285,7 @@ bool decompress_jpeg(uint32_t jpeg, uint32_t decoded) {
 }  // namespace
 
 uint32_t CVrxPageDisplay::LoadSequence(uint32_t board, uint32_t first, uint32_t last) {
-  vrc::window::FileDialogRequest request;
-  request.owner = GetCtrl();
-  request.filters = kLoadFilters;
-  request.filter_index = 1;
-  request.initial_name = "*.jpg";
-  request.flags = kDialogFlags;
-  const vrc::window::FileDialogResult chosen = desktop().file_dialog(request);
+  const vrc::window::FileDialogResult chosen = ask_for_file(GetCtrl(), false, kLoadFilters);
   if (!chosen.accepted) return 0;
   const vrc::pages::SequenceFileType file_type = vrc::pages::load_file_type(chosen.filter_index);
 

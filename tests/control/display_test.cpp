@@ -382,6 +382,11 @@ TEST_P(SaveFileTypes, TwelveFramesNumberedAndLoadedBack) {
   const std::string name = std::string("seq.") + kExtensions[filter];
   const int load_index = filter == kTif ? 2 : filter == kJpg ? 1 : filter;
   ASSERT_EQ(load(load_index, 1, 12, name), 12u) << ::testing::PrintToString(boxes());
+  const auto &request = desk().file_requests().back();
+  EXPECT_FALSE(request.save);
+  EXPECT_EQ(request.filters.at(0).description, "JPEG (*.jpg)");
+  EXPECT_EQ(request.initial_name, "*.jpg");
+  EXPECT_EQ(request.flags, 0x1806u);
   for (int f = 1; f <= 12; ++f) {
     const std::vector<uint8_t> loaded = frame_bytes(f);
     if (filter == kJpg) {
