@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs the build into a temporary prefix, builds a C program against it twice (through the
 # CMake package and through pkg-config), and runs the installed zep, which must find its library
-# through its RUNPATH alone. A third argument names another consumer program, built through the
-# CMake package only.
+# through its RUNPATH alone. A third argument names another consumer program instead, built
+# through the CMake package only.
 set -euo pipefail
 build_dir=$1
 consumer_dir=$2
