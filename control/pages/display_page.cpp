@@ -125,7 +125,9 @@ void CVrxPageDisplay::on_command(int id, uint16_t code) {
     case IdDisplayOn:
     case IdConvert:
     case IdAlternativeBuffers: OnChangedWithData(); break;
-    case IdPlay: Play(); break;
+    case IdPlay:
+      if (m_playing == 0) Play();
+      break;
     case IdStop: m_playing = 0; break;
     case IdSave:
       update_data(true);

@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 using vrc::control::PageSlot;
 
 constexpr int kLive = 17001, kFreeze = 17002;
-constexpr int kIdStop = 17149;
+constexpr int kIdPlay = 17148, kIdStop = 17149;
 enum Filter { kTif = 1, kJpg = 2, kBmp = 3, kRaw = 4 };
 const char *const kExtensions[] = {"", "tif", "jpg", "bmp", "raw"};
 
@@ -262,6 +262,18 @@ TEST_F(DisplayPage, StopThroughADispatchedMessageEndsPlayback) {
   display().Play();
   EXPECT_EQ(display().GetCurrentFrame(), 1);
   EXPECT_EQ(display().GetPlaying(), 0);
+}
+
+TEST_F(DisplayPage, PlayPressedDuringPlaybackIsIgnored) {
+  capture(3);
+  const uint64_t slept = desk().slept_ms();
+  vrc::window::MessageQueue::current().post(
+      &display(), vrc::window::WM_COMMAND,
+      vrc::window::make_wparam(kIdPlay, vrc::window::BN_CLICKED), 0);
+  display().Play();
+  EXPECT_EQ(display().GetCurrentFrame(), 3);
+  const uint32_t delay = static_cast<uint32_t>(1000.0 / ctrl->GetFrameRate());
+  EXPECT_EQ(desk().slept_ms() - slept, 3u * delay);
 }
 
 TEST_F(DisplayPage, QuitStopsPlaybackAndStaysQueued) {
