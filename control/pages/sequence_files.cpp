@@ -146,6 +146,17 @@ bool shape_frame_image(uint32_t image, const vrc::pages::SequenceFormat &format,
   return ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE) <= line_length;
 }
 
+// Whether a buffer holds at least the bytes of the image's lines.
+bool holds_image(uint32_t buffer, uint32_t image) {
+  uint32_t line_length = 0, lines = 0;
+  if (VBL_BufferParameterGet(buffer, VBL_LINE_LENGTH, &line_length) != VRX_OK ||
+      VBL_BufferParameterGet(buffer, VBL_HEIGHT, &lines) != VRX_OK)
+    return false;
+  return uint64_t{line_length} * lines >=
+         uint64_t{ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE)} *
+             ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT);
+}
+
 }  // namespace
 
 uint32_t CVrxPageDisplay::SaveSequence(uint32_t board, uint32_t first, uint32_t last) {
@@ -211,6 +222,9 @@ uint32_t CVrxPageDisplay::SaveSequence(uint32_t board, uint32_t first, uint32_t 
       if (status != VRX_OK) return fail("Error in VIL_Convert -  aborting save");
       VBL_BufferParameterGet(m_conversion_buffer, VBL_ADDRESS, &data);
     }
+    // Sizes read from the conversion buffer describe a fetched buffer only when it is as large.
+    if (!holds_image(convert ? m_conversion_buffer : record.buffer, images.frame))
+      return fail("No image data found - aborting save");
     ZEP_image_set_ptr(images.frame, ZEP_DATA_PTR, data);
     // Borrowed: the library must never free or replace the capture buffer.
     ZEP_image_set_flags(images.frame, ZEP_FLAG_LOCKED, 1);
