@@ -39,15 +39,15 @@ const std::vector<FileFilter> kLoadFilters{{"JPEG (*.jpg)", "*.jpg"},
                                            {"Raw data (*.raw)", "*.raw"}};
 
 // The three images of a save or load: the frame as it is, a converted or decoded copy, and the
-// JPEG image. The frame image only borrows the capture buffer: it is detached before the
-// images go.
+// JPEG image. When saving, the frame image borrows the capture or conversion buffer; it is
+// detached before the images go, so that only the library's own data is freed.
 class SequenceImages {
  public:
   SequenceImages() = default;
   SequenceImages(const SequenceImages &) = delete;
   SequenceImages &operator=(const SequenceImages &) = delete;
   ~SequenceImages() {
-    if (valid(frame)) ZEP_image_set_ptr(frame, ZEP_DATA_PTR, nullptr);
+    if (frame_borrows && valid(frame)) ZEP_image_set_ptr(frame, ZEP_DATA_PTR, nullptr);
     for (uint32_t image : {frame, converted, jpeg}) {
       if (valid(image)) ZEP_image_destroy(image);
     }
@@ -58,6 +58,7 @@ class SequenceImages {
   }
 
   uint32_t frame = 0, converted = 0, jpeg = 0;
+  bool frame_borrows = false;  // the frame image points at a capture or conversion buffer
 };
 
 // The save or load dialog, opening on its first filter with that filter's pattern.
@@ -226,6 +227,7 @@ uint32_t CVrxPageDisplay::SaveSequence(uint32_t board, uint32_t first, uint32_t 
     if (!holds_image(convert ? m_conversion_buffer : record.buffer, images.frame))
       return fail("No image data found - aborting save");
     ZEP_image_set_ptr(images.frame, ZEP_DATA_PTR, data);
+    images.frame_borrows = true;
     // Borrowed: the library must never free or replace the capture buffer.
     ZEP_image_set_flags(images.frame, ZEP_FLAG_LOCKED, 1);
 
