@@ -3,6 +3,7 @@
 #include <map>
 #include <mutex>
 
+#include "control/pages/display_page.h"
 #include "control/vrx_ctrl.h"
 #include "vrcw32/vrc.h"
 
@@ -69,3 +70,8 @@ eStat CVrc::ParameterSet(etVrcParam parameter, void *value) {
 void CVrc::DisplayStats() { m_ctrl->DisplayStats(); }
 
 void CVrc::PrintToStatusBar(char *text) { m_ctrl->PrintToStatusBar(text); }
+
+void CVrc::SaveSequence(uint32_t camera_handle, uint32_t first, uint32_t last) {
+  auto *display = dynamic_cast<CVrxPageDisplay *>(m_ctrl->GetPage(vrc::control::PageSlot::Display));
+  if (display) display->SaveSequence(camera_handle, first, last);
+}

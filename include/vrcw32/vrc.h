@@ -63,6 +63,9 @@ class VRC_API CVrc {
   eStat ParameterSet(etVrcParam parameter, void *value);
   void DisplayStats();
   void PrintToStatusBar(char *text);
+  // Saves frames first..last of the captured sequence to numbered files the user names, through
+  // the control's Display page (nothing without one).
+  void SaveSequence(uint32_t camera_handle, uint32_t first, uint32_t last);
 
   // The control itself, for hosts that drive the sheet directly.
   CVrxCtrl *GetCtrl() const { return m_ctrl; }
