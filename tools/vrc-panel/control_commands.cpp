@@ -83,11 +83,12 @@ std::optional<Answer> run_property(Session &session, Words &words) {
   return Answer::success(std::to_string(status) + (text.empty() ? "" : ' ' + text));
 }
 
-std::optional<Answer> run_save_sequence(Session &, Words &words) {
+std::optional<Answer> run_save_sequence(Session &session, Words &words) {
   const std::optional<uint32_t> first = parse_unsigned(words.next());
   const std::optional<uint32_t> last = parse_unsigned(words.next());
   if (!first || !last || !words.at_end()) return std::nullopt;
-  return Answer::failure("this panel has no sequence saving: its Display page does not offer it");
+  session.panel.vrc()->SaveSequence(session.panel.camera_handle(), *first, *last);
+  return Answer::success();
 }
 
 std::optional<Answer> run_counters(Session &session, Words &words) {
