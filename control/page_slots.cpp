@@ -4,6 +4,8 @@
 #include "control/pages/configure_page.h"
 #include "control/pages/display_page.h"
 #include "control/pages/intrpt_page.h"
+#include "control/pages/register_page.h"
+#include "control/pages/test_page.h"
 #include "control/vrx_page.h"
 
 namespace vrc::control {
@@ -34,6 +36,8 @@ std::unique_ptr<CVrxPage> make_page(PageSlot slot, CVrxCtrl *owner) {
     case PageSlot::Configure: return std::make_unique<CVrxPageConfigure>(owner);
     case PageSlot::Display: return std::make_unique<CVrxPageDisplay>(owner);
     case PageSlot::Intrpt: return std::make_unique<CVrcPageIntrpt>(owner);
+    case PageSlot::Test: return std::make_unique<CVrxPageTest>(owner);
+    case PageSlot::Device: return std::make_unique<CVrcPageDevice>(owner);
     default: return std::make_unique<CVrxPage>(owner, slot_template(slot));
   }
 }

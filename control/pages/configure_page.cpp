@@ -52,6 +52,27 @@ constexpr ControlTemplate kControls[] = {
 
 constexpr vrc::window::DialogTemplate kDialog{16160, "Configure", kControls};
 
+constexpr std::size_t kPathBuffer = 256;  // characters of a file dialog's path, terminator included
+constexpr std::size_t kDisplayLimit = 27;
+constexpr const char *kVcfExtension = ".vcf";
+
+vrc::window::FileDialogRequest config_file_request(vrc::window::Window *owner, bool save) {
+  vrc::window::FileDialogRequest request;
+  request.save = save;
+  request.owner = owner;
+  request.filters = {{"Vireo Configuration File (*.vcf)", "*.vcf"}};
+  request.flags = vrc::window::OFN_PATHMUSTEXIST | vrc::window::OFN_HIDEREADONLY |
+                  vrc::window::OFN_OVERWRITEPROMPT;
+  if (!save) request.flags |= vrc::window::OFN_FILEMUSTEXIST;
+  return request;
+}
+
+// A chosen path as the dialog's 256-character buffer holds it.
+std::string fit_path_buffer(std::string path) {
+  if (path.size() >= kPathBuffer) path.resize(kPathBuffer - 1);
+  return path;
+}
+
 // The item data of a combo's selected item.
 uint32_t selected_value(const CVrxPage &page, int id) {
   auto *box = page.control<vrc::window::ComboBox>(id);
@@ -59,6 +80,27 @@ uint32_t selected_value(const CVrxPage &page, int id) {
 }
 
 }  // namespace
+
+namespace vrc::pages {
+
+std::string config_display_text(const std::string &path) {
+  if (path.size() <= kDisplayLimit) return path;
+  const std::size_t last = path.rfind('/');
+  const std::string tail = "..." + (last == std::string::npos ? path : path.substr(last));
+  if (tail.size() >= kDisplayLimit) return tail.substr(tail.size() - kDisplayLimit);
+  std::string head;
+  std::size_t start = 0;
+  for (std::size_t end = path.find('/'); end != std::string::npos && end < last;
+       end = path.find('/', start)) {
+    const std::size_t length = end + 1 - start;
+    if (head.size() + length + tail.size() >= kDisplayLimit) break;
+    head += path.substr(start, length);
+    start = end + 1;
+  }
+  return head + tail;
+}
+
+}  // namespace vrc::pages
 
 CVrxPageConfigure::CVrxPageConfigure(CVrxCtrl *owner) : CVrxPage(owner, kDialog) {}
 
@@ -97,8 +139,40 @@ bool CVrxPageConfigure::on_init_dialog() {
 
 void CVrxPageConfigure::on_command(int id, uint16_t code) {
   if (code != vrc::window::BN_CLICKED) return;
-  if (id == IdConfigure) OnConfigure();
-  if (id == IdRelease) OnRelease();
+  switch (id) {
+    case IdSelectFile: OnSelectFile(); break;
+    case IdEditFile: OnEditFile(); break;
+    case IdSaveAsFile: OnSaveAsFile(); break;
+    case IdConfigure: OnConfigure(); break;
+    case IdRelease: OnRelease(); break;
+    default: break;
+  }
+}
+
+int CVrxPageConfigure::OnSelectFile() {
+  const vrc::window::FileDialogResult chosen =
+      vrc::window::desktop().file_dialog(config_file_request(GetCtrl(), false));
+  if (!chosen.accepted) return 0;
+  m_config_path = fit_path_buffer(chosen.path);
+  m_config_text = vrc::pages::config_display_text(m_config_path);
+  return UpdateControls();
+}
+
+int CVrxPageConfigure::OnEditFile() {
+  vrc::window::desktop().start_editor(m_config_path);
+  return 0;
+}
+
+int CVrxPageConfigure::OnSaveAsFile() {
+  const vrc::window::FileDialogResult chosen =
+      vrc::window::desktop().file_dialog(config_file_request(GetCtrl(), true));
+  if (!chosen.accepted) return 0;
+  std::string path = fit_path_buffer(chosen.path);
+  const std::size_t name = path.rfind('/');
+  if (path.find('.', name == std::string::npos ? 0 : name) == std::string::npos)
+    path += std::string(kVcfExtension).substr(0, kPathBuffer - 1 - path.size());
+  VRX_CameraConfigSave(GetCtrl()->GetCameraHandle(), path.c_str(), vrx::CfgSaveAll);
+  return UpdateControls();
 }
 
 CVrxPage::LRESULT CVrxPageConfigure::handle_message(uint32_t message, vrc::window::WPARAM wparam,

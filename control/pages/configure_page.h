@@ -1,5 +1,7 @@
-// The Configure page: the user picks a board type, board number, channel and board mode, opens
-// the board ("Configure") and closes it again ("Release"). Opening creates and opens the SDK
+// The Configure page: the user picks a board type, board number, channel and board mode and an
+// optional camera configuration file (which can be edited in the user's editor, and the camera's
+// configuration saved to a new one), opens the board ("Configure") and closes it again
+// ("Release"). Opening creates and opens the SDK
 // handle, hands it to the control, registers the event callback, lets the Display page set
 // itself up, decides which tabs are shown and sets the panel's title. WM_USER+9 closes the board
 // as Release does, without touching the title or the tabs.
@@ -8,6 +10,12 @@
 #include <string>
 
 #include "control/vrx_page.h"
+
+namespace vrc::pages {
+// The shortened text of a configuration file's path that fits the page's static field: at most
+// 27 characters, the file name kept and as many leading folders as fit, "..." for the rest.
+std::string config_display_text(const std::string &path);
+}  // namespace vrc::pages
 
 class VRC_API CVrxPageConfigure : public CVrxPage {
  public:
@@ -23,8 +31,12 @@ class VRC_API CVrxPageConfigure : public CVrxPage {
   LRESULT handle_message(uint32_t message, vrc::window::WPARAM wparam,
                          vrc::window::LPARAM lparam) override;
 
+  int OnSelectFile();
+  int OnEditFile();
+  int OnSaveAsFile();
   int OnConfigure();
   int OnRelease();
+  const std::string &GetConfigPath() const { return m_config_path; }
 
  protected:
   void do_data_exchange(vrc::window::DataExchange &exchange) override;

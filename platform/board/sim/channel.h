@@ -11,6 +11,9 @@
 #include <vector>
 
 #include "platform/board/sim/acquisition_engine.h"
+#include "platform/board/sim/error_log.h"
+#include "platform/board/sim/input_lut.h"
+#include "platform/board/sim/io_lines.h"
 #include "platform/board/sim/parameter_store.h"
 #include "platform/board/sim/register_space.h"
 #include "platform/board/sim/serial_camera.h"
@@ -25,13 +28,15 @@ std::string hex(uint32_t value);
 // Reports one call's failure through the handle's error handler, once.
 class CallReport {
  public:
-  CallReport(const char* function, VRX_ERR_HANDLER handler) : m_function(function), m_handler(handler) {}
+  CallReport(const char* function, VRX_ERR_HANDLER handler, ErrorLog* log = nullptr)
+      : m_function(function), m_handler(handler), m_log(log) {}
   uint32_t fail(uint32_t status, const std::string& message) const;
   const char* function() const { return m_function; }
 
  private:
   const char* m_function;
   VRX_ERR_HANDLER m_handler;
+  ErrorLog* m_log;
 };
 
 class Channel {
@@ -42,6 +47,7 @@ class Channel {
   Channel& operator=(const Channel&) = delete;
 
   VRX_ERR_HANDLER error_handler() const { return m_handler; }
+  ErrorLog& error_log() { return m_errors; }
 
   uint32_t open(const CallReport& report);
   uint32_t close(const CallReport& report);
@@ -65,6 +71,7 @@ class Channel {
   uint32_t inject_frame(const CallReport& report, std::vector<uint8_t> bytes);
   uint32_t force_parameter(const CallReport& report, uint32_t id, uint32_t value);
   uint32_t set_pocl_camera(const CallReport& report, bool attached);
+  uint32_t set_input_lines(const CallReport& report, uint32_t levels);
   // 0 when not open.
   uint64_t event_time_ns() const;
 
@@ -88,11 +95,18 @@ class Channel {
     uint32_t power_lines = 0;   // output lines set: PowerLine12V, PowerLineGround
     bool pocl_camera = false;
     uint32_t comms_sent = 0, comms_received = 0;
+    IoLines io;
+    InputLut lut;
+    std::string first_error, last_error;  // the texts handed out by the last reads
   };
 
   uint32_t set_selection(const CallReport& report, uint32_t id, void* value);
   std::optional<uint32_t> get_computed(uint32_t id, void* value);
   uint32_t set_special(const CallReport& report, uint32_t id, uint32_t value, bool& handled);
+  // Status figures, error texts, input and output lines and the input look-up table
+  // (channel_board_extras.cpp); nothing when `id` is none of them.
+  std::optional<uint32_t> get_board_extra(uint32_t id, void* value);
+  std::optional<uint32_t> set_board_extra(const CallReport& report, uint32_t id, uint32_t value);
   uint32_t status_word() const;
   AcquisitionSettings acquisition_settings() const;
   uint32_t check_feature(const CallReport& report, uint32_t id) const;
@@ -100,6 +114,7 @@ class Channel {
 
   const uint32_t m_handle;
   const VRX_ERR_HANDLER m_handler;
+  ErrorLog m_errors;
   mutable std::mutex m_mutex;
   Selection m_selection;
   std::unique_ptr<OpenBoard> m_board;
