@@ -4,7 +4,10 @@
 #include "control/pages/configure_page.h"
 #include "control/pages/display_page.h"
 #include "control/pages/intrpt_page.h"
+#include "control/pages/io_ports_page.h"
+#include "control/pages/lut_page.h"
 #include "control/pages/register_page.h"
+#include "control/pages/status_page.h"
 #include "control/pages/test_page.h"
 #include "control/vrx_page.h"
 
@@ -37,6 +40,9 @@ std::unique_ptr<CVrxPage> make_page(PageSlot slot, CVrxCtrl *owner) {
     case PageSlot::Display: return std::make_unique<CVrxPageDisplay>(owner);
     case PageSlot::Intrpt: return std::make_unique<CVrcPageIntrpt>(owner);
     case PageSlot::Test: return std::make_unique<CVrxPageTest>(owner);
+    case PageSlot::Status: return std::make_unique<CVrxPageStatus>(owner);
+    case PageSlot::IoPorts: return std::make_unique<CVrxPageIoPorts>(owner);
+    case PageSlot::Lut: return std::make_unique<CVrxPageLut>(owner);
     case PageSlot::Device: return std::make_unique<CVrcPageDevice>(owner);
     default: return std::make_unique<CVrxPage>(owner, slot_template(slot));
   }

@@ -57,6 +57,7 @@ const char* kind_name(ControlKind kind) {
     case ControlKind::Radio: return "radio";
     case ControlKind::Button: return "button";
     case ControlKind::ScrollBar: return "scrollbar";
+    case ControlKind::Picture: return "picture";
   }
   return "?";
 }

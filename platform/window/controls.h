@@ -20,7 +20,7 @@ class QWidget;
 
 namespace vrc::window {
 
-enum class ControlKind { Label, Static, GroupBox, Combo, Edit, MultiLineEdit, Check, Radio, Button, ScrollBar };
+enum class ControlKind { Label, Static, GroupBox, Combo, Edit, MultiLineEdit, Check, Radio, Button, ScrollBar, Picture };
 
 const char* kind_name(ControlKind kind);
 
