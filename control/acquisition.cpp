@@ -23,11 +23,10 @@ void CVrxCtrl::CtrlEventCallback(uint32_t handle, uint32_t event_mask, void *con
       ctrl->ErrHandler("VrxCtrl::CtrlEventCallback", VRC_OK, "Event semaphore is NULL");
       return;
     }
-    if (ctrl->m_event_semaphore->try_take() && ctrl->m_has_window.load()) {
-      // A skipped post gives the semaphore back: with another message of the panel waiting
-      // (not a paint, which would hold the semaphore itself) nothing would ever release it.
-      if (!msg::post_coalesced(*ctrl, msg::kMsgPaint)) ctrl->m_event_semaphore->release();
-    }
+    // A skipped post gives the semaphore back: with another message of the panel waiting (not a
+    // paint, which would hold the semaphore itself) nothing would ever release it.
+    if (ctrl->m_event_semaphore->try_take() && ctrl->m_has_window.load() && !ctrl->PostPaint())
+      ctrl->m_event_semaphore->release();
   }
   if (event_mask & VRX_EVENT_FIFO_OVERFLOW) {
     VRX_Acquire(handle, VRX_ACQ_ABORT, nullptr);
@@ -37,6 +36,17 @@ void CVrxCtrl::CtrlEventCallback(uint32_t handle, uint32_t event_mask, void *con
   if (event_mask & VRX_EVENT_TEST) ctrl->post(msg::kMsgInterruptTest);
   if (event_mask & VRX_EVENT_TIMEOUT) ctrl->post(msg::kMsgInterruptTimeout);
   if (event_mask & VRX_EVENT_FRAME_LOST) ctrl->post(msg::kMsgFrameLost);
+}
+
+// Event thread: posts WM_USER+12 under the coalescing rule, keeping count of the paints waiting.
+bool CVrxCtrl::PostPaint() {
+  if (has_queued(msg::kCoalesceFirst, msg::kCoalesceLast)) return false;
+  const uint32_t waiting = m_paints_queued.fetch_add(1) + 1;
+  uint32_t most = m_most_paints_queued.load();
+  while (waiting > most && !m_most_paints_queued.compare_exchange_weak(most, waiting)) {
+  }
+  post(msg::kMsgPaint);
+  return true;
 }
 
 void CVrxCtrl::Acquire() {

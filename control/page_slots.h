@@ -101,7 +101,16 @@ constexpr std::size_t index_of(PageSlot slot) { return static_cast<std::size_t>(
 // template of the slot's id and caption.
 const window::DialogTemplate &slot_template(PageSlot slot);
 
-// Makes the page object of a slot, owned by `owner`.
+// Makes the page object of a slot, owned by `owner`: through the installed page factory when
+// there is one, else the panel's own page of that slot.
 std::unique_ptr<CVrxPage> make_page(PageSlot slot, CVrxCtrl *owner);
+// The panel's own page of a slot.
+std::unique_ptr<CVrxPage> make_default_page(PageSlot slot, CVrxCtrl *owner);
+
+// A host may bring pages of its own: the factory is asked for every requested slot of controls
+// constructed from now on and may return make_default_page's page. Null restores the default.
+// Returns the factory installed before.
+using PageFactory = std::unique_ptr<CVrxPage> (*)(PageSlot slot, CVrxCtrl *owner);
+PageFactory set_page_factory(PageFactory factory);
 
 }  // namespace vrc::control

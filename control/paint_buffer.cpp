@@ -1,5 +1,4 @@
 // Painting the newest captured buffer, and the frame-rate title.
-#include <cerrno>
 #include <cstdio>
 
 #include "control/pages/configure_page.h"
@@ -10,6 +9,7 @@
 #include "platform/window/desktop.h"
 
 CVrxCtrl::LRESULT CVrxCtrl::PaintBuffer() {
+  if (m_paints_queued.load() > 0) m_paints_queued.fetch_sub(1);
   LRESULT result = 0;
   // Stale buffers go back unpainted; only the newest is painted.
   while (m_pending_buffers.load() > 1) {
@@ -23,6 +23,7 @@ CVrxCtrl::LRESULT CVrxCtrl::PaintBuffer() {
   if (VRX_Acquire(m_camera_handle, VRX_ACQ_BUFFER_GET, &record) != VRX_OK) {
     result = -1;
   } else {
+    ++m_buffers_held;
     const bool display_on = m_display && m_display->GetDisplayFlag();
     bool painted = false;
     if (display_on) {
@@ -45,7 +46,10 @@ CVrxCtrl::LRESULT CVrxCtrl::PaintBuffer() {
     ErrHandler("VrxCtrl::PaintBuffer", VRC_OK, "Failed to release event semaphore");
     result = -1;
   }
-  if (VRX_Acquire(m_camera_handle, VRX_ACQ_BUFFER_RELEASE, nullptr) != VRX_OK) result = -1;
+  if (VRX_Acquire(m_camera_handle, VRX_ACQ_BUFFER_RELEASE, nullptr) != VRX_OK)
+    result = -1;
+  else if (m_buffers_held > 0)
+    --m_buffers_held;
   DisplayStats();
   return result;
 }
@@ -55,11 +59,9 @@ CVrxCtrl::LRESULT CVrxCtrl::PaintBuffer() {
 void CVrxCtrl::DisplayStats() {
   if (++m_frame_counter < m_frames_per_update) return;
   vrc::window::Desktop &desktop = vrc::window::desktop();
-  char text[160];
   m_current_count = desktop.performance_counter();
   if (m_current_count == 0) {
-    std::snprintf(text, sizeof text, "QPC() failed with error %d\n", errno);
-    ErrHandler("VrxCtrl::DisplayStats", VRC_OK, text);
+    ReportTimerFailure("VrxCtrl::DisplayStats", "QPC");
     return;
   }
   const uint64_t elapsed = m_current_count - m_start_count;
@@ -70,6 +72,7 @@ void CVrxCtrl::DisplayStats() {
   const char *board = m_configure ? m_configure->GetBoardName() : "Vireo";
   const int board_number = m_configure ? m_configure->GetBoardNumber() : 0;
   const int channel = m_configure ? m_configure->GetChannelNumber() : 0;
+  char text[160];
   std::snprintf(text, sizeof text, "%s Board %d, Channel %c, %.2f fps", board, board_number + 1,
                 'A' + channel, static_cast<double>(m_frame_rate));
   if (has_window()) set_text(text);
@@ -79,8 +82,7 @@ void CVrxCtrl::DisplayStats() {
 
   m_start_count = desktop.performance_counter();
   if (m_start_count == 0) {
-    std::snprintf(text, sizeof text, "QPC() failed with error %d\n", errno);
-    ErrHandler("VrxCtrl::DisplayStats", VRC_OK, text);
+    ReportTimerFailure("VrxCtrl::DisplayStats", "QPC");
     return;
   }
   m_frame_counter = 0;

@@ -42,17 +42,14 @@ void CVrxCtrl::DoConstruct(uint32_t pages) {
   m_pre_tabs_visible = 0xC0010000;
 
   vrc::window::Desktop &desktop = vrc::window::desktop();
-  char text[64];
   m_frequency = desktop.performance_frequency();
   if (m_frequency == 0) {
-    std::snprintf(text, sizeof text, "QPF() failed with error %d\n", errno);
-    ErrHandler("VrxCtrl::DoConstruct", VRC_OK, text);
+    ReportTimerFailure("VrxCtrl::DoConstruct", "QPF");
     return;
   }
   m_start_count = desktop.performance_counter();
   if (m_start_count == 0) {
-    std::snprintf(text, sizeof text, "QPC() failed with error %d\n", errno);
-    ErrHandler("VrxCtrl::DoConstruct", VRC_OK, text);
+    ReportTimerFailure("VrxCtrl::DoConstruct", "QPC");
     return;
   }
   m_frame_rate = 10.0f;
@@ -102,6 +99,13 @@ void CVrxCtrl::ErrHandler(const char *function, eStat status, const char *messag
   if (m_error_callback) m_error_callback(function, status, message);
 }
 
+// The performance counter reads 0 when it fails, as the frequency does.
+void CVrxCtrl::ReportTimerFailure(const char *function, const char *call) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%s() failed with error %d\n", call, errno);
+  ErrHandler(function, VRC_OK, text);
+}
+
 void CVrxCtrl::SetApply(int apply) {
   m_apply = apply;
   UpdateView();
@@ -116,12 +120,13 @@ vrc::window::Button *CVrxCtrl::GetButton(int id) const {
 }
 
 VrcAcquisitionCounters CVrxCtrl::GetCounters() const {
-  return {m_acquired.load(), m_painted, m_dropped, m_frame_rate};
+  return {m_acquired.load(), m_painted, m_dropped, m_frame_rate, m_most_paints_queued.load()};
 }
 
 void CVrxCtrl::ResetCounters() {
   m_acquired = 0;
   m_painted = m_dropped = 0;
+  m_most_paints_queued = m_paints_queued.load();
 }
 
 void CVrxCtrl::SetUpDisplay() {

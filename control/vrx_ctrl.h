@@ -30,6 +30,7 @@ struct VrcAcquisitionCounters {
   uint64_t painted = 0;   // buffers fetched and handed to the display (or counted without one)
   uint64_t dropped = 0;   // stale buffers released unpainted
   float fps = 0.0f;       // the rate of the title
+  uint32_t most_paints_queued = 0;  // the most paint messages ever waiting at once
 };
 
 class VRC_API CVrxCtrl : public CVrxSheet {
@@ -117,6 +118,10 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   void SetUpDisplay();
   void StopDisplay();
   int GetFramesPerUpdate() const { return m_frames_per_update; }
+  // Buffer-ready events not yet taken up by a paint.
+  int32_t GetPendingBuffers() const { return m_pending_buffers.load(); }
+  // Buffers got from the board and not yet handed back (0 between paints).
+  int GetBuffersHeld() const { return m_buffers_held; }
   bool GetQuitFlag() const { return m_quit; }
 
   LRESULT handle_message(uint32_t message, WPARAM wparam, LPARAM lparam) override;
@@ -142,6 +147,8 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   void ShowTabSet(uint32_t mode);
   void NotifyDisplayPage();
   void ResetCounters();
+  void ReportTimerFailure(const char *function, const char *call);
+  bool PostPaint();
 
   // Buttons: Single Shot, Live, Freeze, Abort, Refresh (windows made in OnInitDialog).
   std::array<vrc::window::Button *, 5> m_buttons{};
@@ -174,5 +181,7 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   // Counters for hosts; the acquired count is written on the SDK thread.
   std::atomic<uint64_t> m_acquired{0};
   uint64_t m_painted = 0, m_dropped = 0;
+  std::atomic<uint32_t> m_paints_queued{0}, m_most_paints_queued{0};
+  int m_buffers_held = 0;
   std::atomic<bool> m_has_window{false};
 };

@@ -55,8 +55,12 @@ class TestDesktop : public vrc::window::ScriptedDesktop {
     m_clock_ns = start_ns;
   }
   void advance_ms(double ms) { m_clock_ns += static_cast<uint64_t>(ms * 1e6); }
+  uint64_t performance_frequency() override { return m_frequency; }
+  // 0 makes the frequency read fail.
+  void set_frequency(uint64_t counts_per_second) { m_frequency = counts_per_second; }
 
  private:
+  uint64_t m_frequency = 1'000'000'000;
   bool m_manual_clock = false;
   uint64_t m_clock_ns = 0;
 };
@@ -75,5 +79,55 @@ class ControlTest : public ::testing::Test {
 
 // Page captions of the tabs, in order.
 std::vector<std::string> tabs_of(const CVrxCtrl &ctrl);
+
+// A page that records what reaches it into a log shared by every recording page, as
+// "<caption> <event>" lines, and that holds one control of each kind the helpers work on.
+class RecordingPage : public CVrxPage {
+ public:
+  enum : int { IdCombo = 100, IdEdit = 101, IdScroll = 102, IdCheck = 103 };
+
+  RecordingPage(CVrxCtrl *owner, vrc::control::PageSlot slot);
+  ~RecordingPage() override;
+
+  int UpdateControls() override;
+  LRESULT OnRefreshMessage() override;
+  LRESULT OnApplyMessage() override;
+
+  static std::vector<std::string> &log();
+  // Installs the factory that gives every slot a RecordingPage (restored by ControlTest).
+  static void install();
+
+  LRESULT apply_result = 0;
+  int update_controls_calls = 0;
+  int32_t edit_value = 7;
+
+ protected:
+  void do_data_exchange(vrc::window::DataExchange &exchange) override;
+
+ private:
+  void record(const char *event);
+};
+
+// A panel with its window over the simulated board.
+class PanelTest : public ControlTest {
+ protected:
+  void TearDown() override;
+  // Constructs the control with `pages` and creates its window.
+  void make(uint32_t pages = 0x4EFF, CWnd *parent = nullptr);
+  // Selects board number, channel and mode by combo index on the Configure page and presses
+  // Configure; true when the board is open.
+  bool configure(int board_number = 0, int channel = 0, int mode = 0);
+  // A WM_COMMAND click of a sheet button (17000-17004, 12321, 9), enabled or not.
+  void press(int id);
+  // The enable states of Single Shot, Live, Freeze, Abort, Refresh and Apply Now, as 0/1 digits.
+  std::string buttons() const;
+  uint32_t handle() const { return ctrl->GetCameraHandle(); }
+  template <typename PageType>
+  PageType *page(vrc::control::PageSlot slot) const {
+    return dynamic_cast<PageType *>(ctrl->GetPage(slot));
+  }
+
+  std::unique_ptr<CVrxCtrl> ctrl;
+};
 
 }  // namespace control_test
