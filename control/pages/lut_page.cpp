@@ -192,7 +192,12 @@ void CVrxPageLut::on_command(int id, uint16_t code) {
   if (id == IdReset) OnReset();
 }
 
-void CVrxPageLut::on_scroll(int id, int position) {
+// The notification carries the position as 16 unsigned bits; negative offsets are read from the
+// bar itself.
+void CVrxPageLut::on_scroll(int id, int) {
+  const auto *bar = control<vrc::window::ScrollBar>(id);
+  if (!bar) return;
+  const int position = bar->position();
   for (std::size_t c = 0; c < 3; ++c)
     for (const ValueKind &kind : kValues)
       if (kChannelBase[c] + kind.bar == id) {

@@ -82,5 +82,10 @@ CVrxPage::LRESULT CVrcPageDevice::CheckLive() {
   return -1;
 }
 
-CVrxPage::LRESULT CVrcPageDevice::OnRefreshMessage() { return CheckLive(); }
+// A refresh also sets the enable states, so that the page comes alive when a board is opened.
+CVrxPage::LRESULT CVrcPageDevice::OnRefreshMessage() {
+  const LRESULT result = CheckLive();
+  UpdateControls();
+  return result;
+}
 CVrxPage::LRESULT CVrcPageDevice::OnApplyMessage() { return CheckLive(); }

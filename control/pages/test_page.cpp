@@ -116,7 +116,12 @@ CVrxPage::LRESULT CVrxPageTest::CheckLive() {
   return 0;
 }
 
-CVrxPage::LRESULT CVrxPageTest::OnRefreshMessage() { return CheckLive(); }
+// A refresh also sets the enable states, so that the page comes alive when a board is opened.
+CVrxPage::LRESULT CVrxPageTest::OnRefreshMessage() {
+  const LRESULT result = CheckLive();
+  UpdateControls();
+  return result;
+}
 CVrxPage::LRESULT CVrxPageTest::OnApplyMessage() { return CheckLive(); }
 
 void CVrxPageTest::OnBeginTests() {
