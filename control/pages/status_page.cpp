@@ -133,6 +133,12 @@ void CVrxPageStatus::do_data_exchange(vrc::window::DataExchange &exchange) {
   exchange.text(IdLastError, m_last_error);
 }
 
+bool CVrxPageStatus::on_init_dialog() {
+  for (int id : {IdFirstError, IdLastError})
+    if (auto *text = control<vrc::window::StaticText>(id)) text->set_word_wrap(true);
+  return CVrxPage::on_init_dialog();
+}
+
 void CVrxPageStatus::on_command(int id, uint16_t code) {
   if (code != vrc::window::BN_CLICKED) return;
   if (id == IdGetFirstError) OnGetFirstError();

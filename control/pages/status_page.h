@@ -33,6 +33,7 @@ class VRC_API CVrxPageStatus : public CVrxPage {
 
  protected:
   void do_data_exchange(vrc::window::DataExchange &exchange) override;
+  bool on_init_dialog() override;
   void on_command(int id, uint16_t code) override;
 
  private:

@@ -222,6 +222,14 @@ void StaticText::set_text(std::string_view text) {
     static_cast<QLabel*>(widget())->setText(qs(text));
 }
 
+void StaticText::set_word_wrap(bool on) {
+  auto* label = dynamic_cast<QLabel*>(widget());
+  if (!label) return;
+  label->setWordWrap(on);
+  // A grid works out the row's height before the text wraps: keep room for two lines.
+  label->setMinimumHeight(on ? 2 * label->fontMetrics().lineSpacing() + 2 : 0);
+}
+
 // ---- Scroll bar ---------------------------------------------------------------------------
 
 ScrollBar::ScrollBar(int id, Window* parent, QWidget* parent_widget) : Control(ControlKind::ScrollBar, id, parent) {

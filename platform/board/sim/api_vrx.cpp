@@ -178,7 +178,7 @@ uint32_t vrxsim_fault_delay_events(uint32_t delay_ms, uint32_t count) {
 }
 
 uint32_t vrxsim_fault_test(uint32_t test_id, uint32_t count, uint32_t status) {
-  vrxsim::faults().add_test(test_id, count, status ? status : VRX_ERR_TEST_FAILED);
+  vrxsim::faults().add_test(test_id, count, status);
   return VRX_OK;
 }
 

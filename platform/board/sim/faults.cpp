@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/board/vrx_sdk.h"
+
 namespace vrxsim {
 namespace {
 
@@ -62,7 +64,7 @@ void FaultTable::add_delay(uint32_t delay_ms, uint32_t count) {
 
 void FaultTable::add_test(uint32_t test_id, uint32_t count, uint32_t status) {
   std::lock_guard lock(m_mutex);
-  if (count > 0) m_tests.push_back({test_id, count, status});
+  if (count > 0) m_tests.push_back({test_id, count, status ? status : VRX_ERR_TEST_FAILED});
 }
 
 void FaultTable::clear() {

@@ -17,7 +17,7 @@ class FaultTable {
   void add_parameter(uint32_t parameter, bool reads, bool writes, uint32_t count, uint32_t status);
   void add_drop(uint32_t event_mask, uint32_t count);
   void add_delay(uint32_t delay_ms, uint32_t count);
-  void add_test(uint32_t test_id, uint32_t count, uint32_t status);
+  void add_test(uint32_t test_id, uint32_t count, uint32_t status);  // 0: VRX_ERR_TEST_FAILED
   void clear();
   // Parses "call:NAME:N:S;param:ID:r|w|rw:N:S;drop:MASK:N;delay:MS:N;test:ID:N:S"; on error
   // leaves the
