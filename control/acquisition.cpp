@@ -70,18 +70,14 @@ void CVrxCtrl::NotifyDisplayPage() {
   if (m_display) msg::post_coalesced(*m_display, msg::kMsgCaptureDone);
 }
 
-void CVrxCtrl::OnLive() {
-  OnApply();
-  m_live = 1;
-  if (m_display) m_display->SetPlaying(0);
-  ResetCounters();
-  Acquire();
-  PostRefresh();
-}
+void CVrxCtrl::OnLive() { StartCapture(1); }
 
-void CVrxCtrl::OnSingle() {
+void CVrxCtrl::OnSingle() { StartCapture(0); }
+
+// Live and Single Shot: apply the pages' settings, then start capturing continuously or once.
+void CVrxCtrl::StartCapture(int live) {
   OnApply();
-  m_live = 0;
+  m_live = live;
   if (m_display) m_display->SetPlaying(0);
   ResetCounters();
   Acquire();

@@ -137,6 +137,7 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   void CreateButtons();
   void PlaceButtons();
   void AbortForApply();
+  void StartCapture(int live);
   void StopCapture(uint32_t operation);
   bool PageReady(const CVrxPage *page) const;
   void AddPageIfHidden(vrc::control::PageSlot slot, int &hidden);

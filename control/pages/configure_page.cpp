@@ -198,6 +198,9 @@ int CVrxPageConfigure::UpdateControls() {
 
 int CVrxPageConfigure::OnConfigure() {
   CVrxCtrl &ctrl = *GetCtrl();
+  // A configure that failed after the handle was handed over left the board open; it is
+  // closed before another is opened, or the channel would stay taken.
+  if (ctrl.GetCameraHandle() != 0 && CloseBoard() != 0) return -1;
   ctrl.GetPreTabsVisible();
   update_data(true);
   uint32_t board_type = selected_value(*this, IdBoardType);
@@ -301,11 +304,16 @@ int CVrxPageConfigure::OnRelease() {
 int CVrxPageConfigure::CloseBoard() {
   CVrxCtrl &ctrl = *GetCtrl();
   uint32_t handle = ctrl.GetCameraHandle();
-  if (handle != 0 && ctrl.GetAcq() && VRX_Acquire(handle, vrx::AcqCmdAbort, nullptr) != VRX_OK)
+  if (handle != 0 && ctrl.GetAcq() && !m_closed_undestroyed &&
+      VRX_Acquire(handle, vrx::AcqCmdAbort, nullptr) != VRX_OK)
     return -1;
   ctrl.StopDisplay();
   if (handle != 0) {
-    if (VRX_Close(&handle) != VRX_OK || VRX_Destroy(&handle) != VRX_OK) return -1;
+    // A board closed whose handle could not be destroyed is not closed again on the next try.
+    if (!m_closed_undestroyed && VRX_Close(&handle) != VRX_OK) return -1;
+    m_closed_undestroyed = true;
+    if (VRX_Destroy(&handle) != VRX_OK) return -1;
+    m_closed_undestroyed = false;
     ctrl.SetCameraHandle(0);
   }
   ctrl.SetLive(0);

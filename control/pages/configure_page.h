@@ -53,4 +53,5 @@ class VRC_API CVrxPageConfigure : public CVrxPage {
   std::string m_config_path;
   std::string m_config_text;
   int32_t m_board_type = 0, m_board_number = 0, m_channel = 0, m_board_mode = 0;
+  bool m_closed_undestroyed = false;  // the held handle's board is closed, the handle not destroyed
 };

@@ -1,7 +1,6 @@
 // Library start-up, run explicitly or lazily by the first ZEP_image_create.
 #include "imaging/core/init.h"
 #include "imaging/core/error_table.h"
-#include "imaging/core/library_hooks.h"
 #include "imaging/core/library_lock.h"
 #include "vrcw32/zep_core.h"
 
@@ -38,7 +37,6 @@ uint32_t ZEP_Init(void) {
     __atomic_store_n(&entry.library_id, ZEP_LIBRARY_ID_VALUE, __ATOMIC_RELEASE);
     g_initialised.store(true, std::memory_order_release);
   }
-  vrc::core::run_startup_hooks();
   return 0;
 }
 

@@ -2,25 +2,32 @@
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 namespace {
 
 void usage(FILE *out) {
-  std::fprintf(
-      out,
-      "usage: zep COMMAND [ARGS]\n"
-      "commands:\n"
-      "  info FILE...                 show the format, size, pixel format and depth of image "
-      "files\n"
-      "  convert IN OUT [--format bmp|tiff|eps|raw] [--type Y8|Y16|RGB24|BGR24|...]\n"
-      "                               read IN (BMP, TIFF or EPS, recognised by its content) and\n"
-      "                               write OUT; the format defaults to OUT's extension, the\n"
-      "                               pixel format to IN's\n"
-      "  demo [FOLDER]                make images in several pixel formats, print their "
-      "parameters\n"
-      "                               and write them as BMP, TIFF and EPS into FOLDER (zep-demo)\n"
-      "  help                         show this text\n");
+  using zep_tool::Case;
+  const std::string writable = zep_tool::format_list(zep_tool::is_writable, Case::Lower, "|", "|");
+  const std::string readable =
+      zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " or ");
+  std::fprintf(out,
+               "usage: zep COMMAND [ARGS]\n"
+               "commands:\n"
+               "  info FILE...                 show the format, size, pixel format and depth of "
+               "image files\n"
+               "  convert IN OUT [--format %s] [--type Y8|Y16|RGB24|BGR24|...]\n"
+               "                               read IN (%s, recognised by its content) and\n"
+               "                               write OUT; the format defaults to OUT's extension, "
+               "the\n"
+               "                               pixel format to IN's\n"
+               "  demo [FOLDER]                make images in several pixel formats, print their "
+               "parameters\n"
+               "                               and write them as %s into FOLDER (zep-demo)\n"
+               "  help                         show this text\n",
+               writable.c_str(), readable.c_str(),
+               zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " and ").c_str());
 }
 
 }  // namespace
