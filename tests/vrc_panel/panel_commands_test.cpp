@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "tools/vrc-panel/main_window.h"
 #include "tools/vrc-panel/panel_host.h"
 #include "tools/vrc-panel/script_desktop.h"
+#include "tools/vrc-panel/status_figures.h"
 
 namespace {
 
@@ -229,6 +231,36 @@ TEST_F(PanelCommands, StatusBarAndUnknownCommands) {
   EXPECT_EQ(run("wait 0"), "ok");
   EXPECT_EQ(run("quit"), "ok");
   EXPECT_TRUE(m_session->quit_requested);
+}
+
+TEST(StatusFigures, TextOfTheFigures) {
+  EXPECT_EQ(figures_text({1234, 1200, 30, 29.97}, 9.2137),
+            "Acquired 1234  Painted 1200  Dropped 30  9.21 MB/s");
+}
+
+TEST_F(PanelCommands, TheStatusBarCountsWhileLive) {
+  StatusFigures figures(*m_panel, m_main);
+  ASSERT_EQ(run("tab Configure"), "ok");
+  ASSERT_EQ(run("click 17023"), "ok");
+  ASSERT_EQ(run("fps 100"), "ok 0");
+  EXPECT_EQ(m_main.figures(), "");
+  ASSERT_EQ(run("click 17001"), "ok");
+  ASSERT_EQ(run("wait 1100"), "ok");
+  std::smatch match;
+  const std::string text = m_main.figures();
+  ASSERT_TRUE(std::regex_match(
+      text, match, std::regex(R"(Acquired (\d+)  Painted (\d+)  Dropped (\d+)  ([0-9.]+) MB/s)")))
+      << text;
+  EXPECT_GT(std::stoul(match[1]), 0u);
+  EXPECT_GT(std::stoul(match[2]), 0u);
+  // Frames of 640 x 480 bytes at no more than 100 a second: at most 30.72 MB/s, whatever the
+  // machine's speed; a rate in other units would be far off.
+  EXPECT_GT(std::stod(match[4]), 0.0);
+  EXPECT_LT(std::stod(match[4]), 30.72 * 1.25);
+  ASSERT_EQ(run("click 17002"), "ok");
+  figures.update();
+  // Stopped: the last figures stay.
+  EXPECT_EQ(m_main.figures(), text);
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ std::optional<Answer> run_property(Session &session, Words &words) {
   return Answer::success(std::to_string(status) + (text.empty() ? "" : ' ' + text));
 }
 
-std::optional<Answer> run_save_sequence(Session&, Words& words) {
+std::optional<Answer> run_save_sequence(Session &, Words &words) {
   const std::optional<uint32_t> first = parse_unsigned(words.next());
   const std::optional<uint32_t> last = parse_unsigned(words.next());
   if (!first || !last || !words.at_end()) return std::nullopt;

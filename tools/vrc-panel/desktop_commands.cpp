@@ -60,10 +60,9 @@ std::optional<Answer> run_answer_box(Session &session, Words &words) {
 std::optional<Answer> run_boxes(Session &session, Words &words) {
   if (!words.at_end()) return std::nullopt;
   const auto &boxes = session.desktop.boxes();
-  const std::span<const vrc::window::ScriptedDesktop::ShownBox> fresh(
-      boxes.begin() + static_cast<std::ptrdiff_t>(session.boxes_reported), boxes.end());
+  const std::size_t first = session.boxes_reported;
   session.boxes_reported = boxes.size();
-  return Answer::success(boxes_json(fresh));
+  return Answer::success(boxes_json(std::span(boxes).subspan(first)));
 }
 
 std::optional<Answer> run_dialogs(Session &session, Words &words) {

@@ -14,6 +14,7 @@
 #include "tools/vrc-panel/main_window.h"
 #include "tools/vrc-panel/options.h"
 #include "tools/vrc-panel/panel_host.h"
+#include "tools/vrc-panel/quit_on_signals.h"
 #include "tools/vrc-panel/script_desktop.h"
 #include "tools/vrc-panel/script_runner.h"
 #include "tools/vrc-panel/status_figures.h"
@@ -33,13 +34,11 @@ AnswerSink *&report_sink() {
 }
 
 void report(const char *function, eStat status, const char *message) {
+  const std::string_view name = function ? function : "", text = message ? message : "";
   if (AnswerSink *sink = report_sink())
-    sink->callback(function ? function : "", static_cast<int>(status), message ? message : "");
+    sink->callback(name, static_cast<int>(status), text);
   else
-    std::fprintf(
-        stderr, "%s\n",
-        callback_line(function ? function : "", static_cast<int>(status), message ? message : "")
-            .c_str());
+    std::fprintf(stderr, "%s\n", callback_line(name, static_cast<int>(status), text).c_str());
 }
 
 // The imaging library's reports appear as the desktop's message boxes.
@@ -47,6 +46,16 @@ uint32_t show_imaging_report(const char *text, const char *caption) {
   return static_cast<uint32_t>(
       vrc::window::desktop().message_box(nullptr, text ? text : "", caption ? caption : "",
                                          vrc::window::MB_OK | vrc::window::MB_ICONERROR));
+}
+
+// The offscreen platform notes every window operation it cannot carry out (moving the sheet into
+// the main window, size hints); those notes say nothing about the panel and are dropped.
+QtMessageHandler g_default_message_handler = nullptr;
+
+void filter_platform_notes(QtMsgType type, const QMessageLogContext &context,
+                           const QString &message) {
+  if (type == QtWarningMsg && message.startsWith("This plugin does not support")) return;
+  g_default_message_handler(type, context, message);
 }
 
 std::shared_ptr<std::istream> open_script(const std::string &path) {
@@ -60,6 +69,8 @@ std::shared_ptr<std::istream> open_script(const std::string &path) {
 
 int main(int argc, char **argv) {
   QApplication application(argc, argv);
+  if (QGuiApplication::platformName() == "offscreen")
+    g_default_message_handler = qInstallMessageHandler(filter_platform_notes);
   const ParsedOptions parsed =
       parse_options(std::span<const char *const>(argv + 1, static_cast<std::size_t>(argc - 1)));
   if (!parsed.options) {
@@ -78,7 +89,14 @@ int main(int argc, char **argv) {
   }
 
   vrc::window::MessageQueue &queue = vrc::window::MessageQueue::current();
-  MainWindow main_window([&queue] { queue.post_quit(0); });
+  std::unique_ptr<Session> session;
+  // Closing the window or interrupting the program ends it, and a script with it.
+  const auto end_program = [&queue, &session] {
+    if (session) session->quit_requested = true;
+    queue.post_quit(0);
+  };
+  MainWindow main_window(end_program);
+  const QuitOnSignals interruption(end_program);
   AnswerSink answers(stdout);
   ScriptDesktop *script_desktop = nullptr;
   if (script) {
@@ -95,7 +113,6 @@ int main(int argc, char **argv) {
   main_window.show_window();
   StatusFigures figures(panel, main_window);
 
-  std::unique_ptr<Session> session;
   std::unique_ptr<ScriptRunner> runner;
   if (script) {
     session = std::make_unique<Session>(Session{panel, main_window, *script_desktop});

@@ -79,6 +79,11 @@ void ScriptRunner::schedule() {
 
 void ScriptRunner::run_next() {
   if (m_running || m_finished) return;
+  if (m_session.quit_requested) {
+    // The window was closed or the program interrupted: the rest of the script is not run.
+    m_finished = true;
+    return;
+  }
   m_running = true;
   if (std::optional<std::string> line = m_lines->take())
     m_sink.answer(run_command(m_session, *line));

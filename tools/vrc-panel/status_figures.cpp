@@ -36,17 +36,18 @@ uint32_t StatusFigures::frame_bytes() const {
 
 void StatusFigures::update() {
   const bool live = m_panel.live();
-  const auto now = std::chrono::steady_clock::now();
-  if (live && !m_was_live) {
-    m_frame_bytes = frame_bytes();
-    m_last_acquired = 0;
-    m_last_time = now;
-  }
+  const bool started = live && !m_was_live;
   m_was_live = live;
   if (!live) return;
   const AcquisitionFigures figures = m_panel.figures();
-  if (figures.acquired < m_last_acquired)
-    m_last_acquired = 0;  // a new Live started the count again
+  const auto now = std::chrono::steady_clock::now();
+  // The rate counts only frames acquired from the first look on; a new Live (seen, or only
+  // noticed by its count starting again) starts it afresh.
+  if (started || figures.acquired < m_last_acquired) {
+    m_frame_bytes = frame_bytes();
+    m_last_acquired = figures.acquired;
+    m_last_time = now;
+  }
   const double seconds = std::chrono::duration<double>(now - m_last_time).count();
   const double rate = seconds > 0 ? static_cast<double>(figures.acquired - m_last_acquired) *
                                         m_frame_bytes / seconds / 1e6
