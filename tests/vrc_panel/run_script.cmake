@@ -1,0 +1,32 @@
+# Runs vrc-panel on one script and checks its standard output line by line against the script's
+# expected answers: a line of the .expected file is compared as it stands, or, when it starts with
+# "~ ", matched as a regular expression against the whole output line.
+#   cmake -DPANEL=vrc-panel -DSCRIPT=x.vrc -DEXPECTED=x.expected [-DOPTIONS=...] -P run_script.cmake
+separate_arguments(options UNIX_COMMAND "${OPTIONS}")
+execute_process(COMMAND ${PANEL} ${options} --script ${SCRIPT}
+                OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+  message(FATAL_ERROR "vrc-panel ended with ${result}\n${errors}")
+endif()
+file(STRINGS ${EXPECTED} expected_lines)
+string(REPLACE ";" "\\;" output "${output}")
+string(REGEX REPLACE "\n$" "" output "${output}")
+string(REPLACE "\n" ";" output_lines "${output}")
+list(LENGTH expected_lines expected_count)
+list(LENGTH output_lines output_count)
+if(NOT expected_count EQUAL output_count)
+  message(FATAL_ERROR "${output_count} answer lines, ${expected_count} expected:\n${output}")
+endif()
+math(EXPR last "${expected_count} - 1")
+foreach(i RANGE ${last})
+  list(GET expected_lines ${i} want)
+  list(GET output_lines ${i} got)
+  if(want MATCHES "^~ (.*)$")
+    set(pattern "${CMAKE_MATCH_1}")
+    if(NOT got MATCHES "^${pattern}$")
+      message(FATAL_ERROR "line ${i}: '${got}'\ndoes not match '${pattern}'")
+    endif()
+  elseif(NOT got STREQUAL want)
+    message(FATAL_ERROR "line ${i}: '${got}'\nexpected '${want}'")
+  endif()
+endforeach()
