@@ -23,9 +23,10 @@ void CVrxCtrl::CtrlEventCallback(uint32_t handle, uint32_t event_mask, void *con
       ctrl->ErrHandler("VrxCtrl::CtrlEventCallback", VRC_OK, "Event semaphore is NULL");
       return;
     }
-    // A skipped post gives the semaphore back: with another message of the panel waiting (not a
-    // paint, which would hold the semaphore itself) nothing would ever release it.
-    if (ctrl->m_event_semaphore->try_take() && ctrl->m_has_window.load() && !ctrl->PostPaint())
+    // A paint that cannot be posted (no window, or another message of the panel waiting, which
+    // is not a paint: a paint would hold the semaphore itself) gives the semaphore back, or
+    // nothing would ever release it.
+    if (ctrl->m_event_semaphore->try_take() && !(ctrl->m_has_window.load() && ctrl->PostPaint()))
       ctrl->m_event_semaphore->release();
   }
   if (event_mask & VRX_EVENT_FIFO_OVERFLOW) {

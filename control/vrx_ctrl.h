@@ -134,8 +134,6 @@ class VRC_API CVrxCtrl : public CVrxSheet {
   void destroy_window() override;
 
  private:
-  void CreateButtons();
-  void PlaceButtons();
   void AbortForApply();
   void StartCapture(int live);
   void StopCapture(uint32_t operation);

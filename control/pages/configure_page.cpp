@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <vector>
 
 #include "control/pages/configure_choices.h"
 #include "control/vrx_ctrl.h"
@@ -52,27 +53,6 @@ constexpr ControlTemplate kControls[] = {
 
 constexpr vrc::window::DialogTemplate kDialog{16160, "Configure", kControls};
 
-constexpr std::size_t kPathBuffer = 256;  // characters of a file dialog's path, terminator included
-constexpr std::size_t kDisplayLimit = 27;
-constexpr const char *kVcfExtension = ".vcf";
-
-vrc::window::FileDialogRequest config_file_request(vrc::window::Window *owner, bool save) {
-  vrc::window::FileDialogRequest request;
-  request.save = save;
-  request.owner = owner;
-  request.filters = {{"Vireo Configuration File (*.vcf)", "*.vcf"}};
-  request.flags = vrc::window::OFN_PATHMUSTEXIST | vrc::window::OFN_HIDEREADONLY |
-                  vrc::window::OFN_OVERWRITEPROMPT;
-  if (!save) request.flags |= vrc::window::OFN_FILEMUSTEXIST;
-  return request;
-}
-
-// A chosen path as the dialog's 256-character buffer holds it.
-std::string fit_path_buffer(std::string path) {
-  if (path.size() >= kPathBuffer) path.resize(kPathBuffer - 1);
-  return path;
-}
-
 // The item data of a combo's selected item.
 uint32_t selected_value(const CVrxPage &page, int id) {
   auto *box = page.control<vrc::window::ComboBox>(id);
@@ -80,27 +60,6 @@ uint32_t selected_value(const CVrxPage &page, int id) {
 }
 
 }  // namespace
-
-namespace vrc::pages {
-
-std::string config_display_text(const std::string &path) {
-  if (path.size() <= kDisplayLimit) return path;
-  const std::size_t last = path.rfind('/');
-  const std::string tail = "..." + (last == std::string::npos ? path : path.substr(last));
-  if (tail.size() >= kDisplayLimit) return tail.substr(tail.size() - kDisplayLimit);
-  std::string head;
-  std::size_t start = 0;
-  for (std::size_t end = path.find('/'); end != std::string::npos && end < last;
-       end = path.find('/', start)) {
-    const std::size_t length = end + 1 - start;
-    if (head.size() + length + tail.size() >= kDisplayLimit) break;
-    head += path.substr(start, length);
-    start = end + 1;
-  }
-  return head + tail;
-}
-
-}  // namespace vrc::pages
 
 CVrxPageConfigure::CVrxPageConfigure(CVrxCtrl *owner) : CVrxPage(owner, kDialog) {}
 
@@ -149,30 +108,62 @@ void CVrxPageConfigure::on_command(int id, uint16_t code) {
   }
 }
 
-int CVrxPageConfigure::OnSelectFile() {
-  const vrc::window::FileDialogResult chosen =
-      vrc::window::desktop().file_dialog(config_file_request(GetCtrl(), false));
-  if (!chosen.accepted) return 0;
-  m_config_path = fit_path_buffer(chosen.path);
-  m_config_text = vrc::pages::config_display_text(m_config_path);
-  return UpdateControls();
+std::string CVrxPageConfigure::PathDisplayText(std::string_view path) {
+  constexpr std::size_t kLimit = 27;
+  if (path.size() <= kLimit) return std::string(path);
+  const std::size_t last_slash = path.rfind('/');
+  const std::string tail =
+      "..." + std::string(path.substr(last_slash == std::string_view::npos ? 0 : last_slash));
+  if (tail.size() >= kLimit) return tail.substr(tail.size() - kLimit);
+  std::string head;
+  for (std::size_t start = 0; start < path.size();) {
+    const std::size_t slash = path.find('/', start);
+    if (slash == std::string_view::npos) break;
+    const std::string_view component = path.substr(start, slash + 1 - start);
+    if (head.size() + component.size() + tail.size() >= kLimit) break;
+    head += component;
+    start = slash + 1;
+  }
+  return head + tail;
 }
 
-int CVrxPageConfigure::OnEditFile() {
-  vrc::window::desktop().start_editor(m_config_path);
-  return 0;
+namespace {
+
+const std::vector<vrc::window::FileFilter> kConfigFilters{
+    {"Vireo Configuration File (*.vcf)", "*.vcf"}};
+
+}  // namespace
+
+void CVrxPageConfigure::OnSelectFile() {
+  vrc::window::FileDialogRequest request;
+  request.owner = GetCtrl();
+  request.filters = kConfigFilters;
+  request.flags = vrc::window::OFN_FILEMUSTEXIST | vrc::window::OFN_PATHMUSTEXIST |
+                  vrc::window::OFN_HIDEREADONLY | vrc::window::OFN_OVERWRITEPROMPT;
+  const vrc::window::FileDialogResult chosen = vrc::window::desktop().file_dialog(request);
+  if (!chosen.accepted) return;
+  m_config_path = chosen.path;
+  m_config_text = PathDisplayText(m_config_path);
+  UpdateControls();
 }
 
-int CVrxPageConfigure::OnSaveAsFile() {
-  const vrc::window::FileDialogResult chosen =
-      vrc::window::desktop().file_dialog(config_file_request(GetCtrl(), true));
-  if (!chosen.accepted) return 0;
-  std::string path = fit_path_buffer(chosen.path);
+void CVrxPageConfigure::OnEditFile() { vrc::window::desktop().start_editor(m_config_path); }
+
+// Saves the open board's camera configuration; a name without an extension gets ".vcf".
+void CVrxPageConfigure::OnSaveAsFile() {
+  vrc::window::FileDialogRequest request;
+  request.save = true;
+  request.owner = GetCtrl();
+  request.filters = kConfigFilters;
+  request.flags = vrc::window::OFN_PATHMUSTEXIST | vrc::window::OFN_HIDEREADONLY |
+                  vrc::window::OFN_OVERWRITEPROMPT;
+  const vrc::window::FileDialogResult chosen = vrc::window::desktop().file_dialog(request);
+  if (!chosen.accepted) return;
+  std::string path = chosen.path;
   const std::size_t name = path.rfind('/');
-  if (path.find('.', name == std::string::npos ? 0 : name) == std::string::npos)
-    path += std::string(kVcfExtension).substr(0, kPathBuffer - 1 - path.size());
+  if (path.find('.', name == std::string::npos ? 0 : name) == std::string::npos) path += ".vcf";
   VRX_CameraConfigSave(GetCtrl()->GetCameraHandle(), path.c_str(), vrx::CfgSaveAll);
-  return UpdateControls();
+  UpdateControls();
 }
 
 CVrxPage::LRESULT CVrxPageConfigure::handle_message(uint32_t message, vrc::window::WPARAM wparam,

@@ -1,21 +1,15 @@
 // The Configure page: the user picks a board type, board number, channel and board mode and an
-// optional camera configuration file (which can be edited in the user's editor, and the camera's
-// configuration saved to a new one), opens the board ("Configure") and closes it again
-// ("Release"). Opening creates and opens the SDK
+// optional camera configuration file (which can be edited, and saved from the open board), opens
+// the board ("Configure") and closes it again ("Release"). Opening creates and opens the SDK
 // handle, hands it to the control, registers the event callback, lets the Display page set
 // itself up, decides which tabs are shown and sets the panel's title. WM_USER+9 closes the board
 // as Release does, without touching the title or the tabs.
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "control/vrx_page.h"
-
-namespace vrc::pages {
-// The shortened text of a configuration file's path that fits the page's static field: at most
-// 27 characters, the file name kept and as many leading folders as fit, "..." for the rest.
-std::string config_display_text(const std::string &path);
-}  // namespace vrc::pages
 
 class VRC_API CVrxPageConfigure : public CVrxPage {
  public:
@@ -31,12 +25,16 @@ class VRC_API CVrxPageConfigure : public CVrxPage {
   LRESULT handle_message(uint32_t message, vrc::window::WPARAM wparam,
                          vrc::window::LPARAM lparam) override;
 
-  int OnSelectFile();
-  int OnEditFile();
-  int OnSaveAsFile();
   int OnConfigure();
   int OnRelease();
+  void OnSelectFile();
+  void OnEditFile();
+  void OnSaveAsFile();
   const std::string &GetConfigPath() const { return m_config_path; }
+
+  // The text that stands for a configuration file's path in the 27-character field: the path
+  // itself, or "..." and the file name after as many leading folders as fit.
+  static std::string PathDisplayText(std::string_view path);
 
  protected:
   void do_data_exchange(vrc::window::DataExchange &exchange) override;

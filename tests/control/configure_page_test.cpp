@@ -1,8 +1,6 @@
-// The Configure page: the 27-character display text, Select File, Edit File, Save As File with
-// its ".vcf" rule, Configure in each board mode (callback, CoaXPress decision, tabs and title),
-// Release, the selection frozen while a board is open, and failures while opening.
-#include <fstream>
-
+// The Configure page opening and closing boards: the selection tables, Configure in each board
+// mode (flags, CoaXPress decision, tabs and title), Release, the release message, failures while
+// opening and the board closed with the panel.
 #include "control/pages/configure_page.h"
 #include "control_support.h"
 #include "platform/board/vrx_params.h"
@@ -11,30 +9,10 @@ namespace control_test {
 namespace {
 
 using vrc::control::PageSlot;
-using vrc::pages::config_display_text;
 using vrc::window::Button;
 using vrc::window::ComboBox;
 
-struct TextCase {
-  std::string path, shown;
-};
-class DisplayText : public ::testing::TestWithParam<TextCase> {};
-
-TEST_P(DisplayText, KeepsTheFileNameAndTheLeadingFoldersThatFit) {
-  EXPECT_EQ(config_display_text(GetParam().path), GetParam().shown);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Paths, DisplayText,
-    ::testing::Values(
-        TextCase{"/home/user/cam/a123456.vcf", "/home/user/cam/a123456.vcf"},
-        TextCase{"/home/user/cams/abcdefg.vcf", "/home/user/cams/abcdefg.vcf"},
-        TextCase{"/home/user/camsx/abcdefg.vcf", "/home/user/.../abcdefg.vcf"},
-        TextCase{"/home/user/configs/cameras/abc.vcf", "/home/user/.../abc.vcf"},
-        TextCase{"/a/a-very-long-camera-file-name.vcf", "y-long-camera-file-name.vcf"},
-        TextCase{"no-folder-at-all-in-this-name.vcf", "der-at-all-in-this-name.vcf"}));
-
-class ConfigurePage : public PanelTest {
+class ConfigureBoard : public PanelTest {
  protected:
   CVrxPageConfigure *page() const {
     return this->PanelTest::page<CVrxPageConfigure>(PageSlot::Configure);
@@ -49,7 +27,7 @@ class ConfigurePage : public PanelTest {
   }
 };
 
-TEST_F(ConfigurePage, StartsReleasedWithItsDefaults) {
+TEST_F(ConfigureBoard, StartsReleasedWithItsDefaults) {
   make();
   EXPECT_EQ(page()->child(17020)->text(), "Not Selected");
   EXPECT_FALSE(enabled(17022));
@@ -61,65 +39,13 @@ TEST_F(ConfigurePage, StartsReleasedWithItsDefaults) {
   EXPECT_EQ(page()->control<ComboBox>(17029)->item_text(2), "Comms Only");
 }
 
-TEST_F(ConfigurePage, SelectFileShowsTheShortTextAndEnablesEditFile) {
-  make();
-  desk().answer_file("/home/user/configs/cameras/abc.vcf");
-  button(17021)->click_as_user();
-  ASSERT_EQ(desk().file_requests().size(), 1u);
-  const vrc::window::FileDialogRequest &request = desk().file_requests()[0];
-  EXPECT_FALSE(request.save);
-  EXPECT_EQ(request.flags, 0x1806u);
-  ASSERT_EQ(request.filters.size(), 1u);
-  EXPECT_EQ(request.filters[0].description, "Vireo Configuration File (*.vcf)");
-  EXPECT_EQ(request.filters[0].pattern, "*.vcf");
-  EXPECT_EQ(page()->child(17020)->text(), "/home/user/.../abc.vcf");
-  EXPECT_TRUE(enabled(17022));
-  button(17022)->click_as_user();
-  EXPECT_EQ(desk().edited_files(), std::vector<std::string>{"/home/user/configs/cameras/abc.vcf"});
-  // A cancelled dialog changes nothing.
-  desk().answer_file_cancel();
-  button(17021)->click_as_user();
-  EXPECT_EQ(page()->GetConfigPath(), "/home/user/configs/cameras/abc.vcf");
-}
-
-TEST_F(ConfigurePage, SaveAsAddsVcfOnlyToANameWithoutExtension) {
-  make();
-  ASSERT_TRUE(configure());
-  const std::string base = ::testing::TempDir() + "configure_save";
-  desk().answer_file(base);
-  button(17027)->click_as_user();
-  EXPECT_EQ(desk().file_requests().back().flags, 0x0806u);
-  EXPECT_TRUE(std::ifstream(base + ".vcf").good());
-  desk().answer_file(base + ".cfg");
-  button(17027)->click_as_user();
-  EXPECT_TRUE(std::ifstream(base + ".cfg").good());
-  EXPECT_FALSE(std::ifstream(base + ".cfg.vcf").good());
-}
-
-TEST_F(ConfigurePage, AChosenFileIsReadWhenTheBoardOpens) {
-  make();
-  ASSERT_TRUE(configure());
-  uint32_t depth = 12;
-  ASSERT_EQ(VRX_ParameterSet(handle(), vrx::ParamCameraDepth, &depth), VRX_OK);
-  const std::string path = ::testing::TempDir() + "configure_depth.vcf";
-  desk().answer_file(path);
-  button(17027)->click_as_user();
-  button(17024)->click_as_user();
-  desk().answer_file(path);
-  button(17021)->click_as_user();
-  ASSERT_TRUE(configure());
-  uint32_t read = 0;
-  ASSERT_EQ(VRX_ParameterGet(handle(), vrx::ParamCameraDepth, &read), VRX_OK);
-  EXPECT_EQ(read, 12u);
-}
-
 struct ModeCase {
   int mode, board, channel;
   std::string title;
   int acq, comms, camera_link;
   bool cxp_tab, comms_tab, camera_tab;
 };
-class ConfigureModes : public ConfigurePage, public ::testing::WithParamInterface<ModeCase> {};
+class ConfigureModes : public ConfigureBoard, public ::testing::WithParamInterface<ModeCase> {};
 
 TEST_P(ConfigureModes, OpenTheBoardSetTheFlagsTabsAndTitle) {
   const ModeCase &c = GetParam();
@@ -155,14 +81,14 @@ INSTANTIATE_TEST_SUITE_P(
         ModeCase{2, 0, 0, "Vireo Board 1, Channel A", 0, 1, 0, false, true, false},
         ModeCase{0, 1, 1, "Vireo Board 2, Channel B", 1, 1, 0, true, false, true}));
 
-TEST_F(ConfigurePage, TheTitleNamesTheChosenModel) {
+TEST_F(ConfigureBoard, TheTitleNamesTheChosenModel) {
   make();
   page()->control<ComboBox>(17028)->select_as_user(15);  // the PoCL Camera Link Base model
   ASSERT_TRUE(configure());
   EXPECT_EQ(ctrl->text(), "VR-PCLB-E1 Board 1, Channel A");
 }
 
-TEST_F(ConfigurePage, ReleaseAfterACoaXPressBoardBringsTheTabsBack) {
+TEST_F(ConfigureBoard, ReleaseAfterACoaXPressBoardBringsTheTabsBack) {
   make();
   ASSERT_TRUE(configure(1, 0, 0));
   EXPECT_EQ(tabs_of(*ctrl),
@@ -174,7 +100,7 @@ TEST_F(ConfigurePage, ReleaseAfterACoaXPressBoardBringsTheTabsBack) {
                                                       "Exposure", "I/O Ports", "Comms"}));
 }
 
-TEST_F(ConfigurePage, AFailedOpenDestroysTheHandleAndStaysReleased) {
+TEST_F(ConfigureBoard, AFailedOpenDestroysTheHandleAndStaysReleased) {
   make();
   EXPECT_FALSE(configure(5, 0, 0));  // no board 6
   EXPECT_EQ(ctrl->GetInit(), 0);
@@ -184,7 +110,7 @@ TEST_F(ConfigurePage, AFailedOpenDestroysTheHandleAndStaysReleased) {
   EXPECT_TRUE(configure(0, 0, 0));
 }
 
-TEST_F(ConfigurePage, TheReleaseMessageClosesWithoutTouchingTitleOrTabs) {
+TEST_F(ConfigureBoard, TheReleaseMessageClosesWithoutTouchingTitleOrTabs) {
   make();
   ASSERT_TRUE(configure(1, 0, 0));
   const std::vector<std::string> tabs = tabs_of(*ctrl);
@@ -195,7 +121,7 @@ TEST_F(ConfigurePage, TheReleaseMessageClosesWithoutTouchingTitleOrTabs) {
   EXPECT_EQ(ctrl->text(), title);
 }
 
-TEST_F(ConfigurePage, DestroyingThePanelClosesTheBoard) {
+TEST_F(ConfigureBoard, DestroyingThePanelClosesTheBoard) {
   make();
   ASSERT_TRUE(configure());
   const uint32_t open_handle = handle();
