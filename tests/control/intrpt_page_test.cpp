@@ -2,7 +2,7 @@
 // buffer-ready count and time-out after them, the refresh decoding (bit 31 as the sign), the
 // FIFO-overflow count reset, the time-out edit's enable rule and the refusals.
 #include "control/pages/intrpt_page.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 
 namespace control_test {
@@ -17,29 +17,14 @@ constexpr int kCheckIds[] = {17347, 17348, 17349, 17352, 17353, 17354,
 constexpr uint32_t kBits[] = {0x1,   0x2,   0x4,   0x20,  0x40,      0x80,
                               0x100, 0x200, 0x400, 0x800, 0x80000000};
 
-class IntrptPage : public PanelTest {
+class IntrptPage : public PageFixture<CVrcPageIntrpt, PageSlot::Intrpt> {
  protected:
-  void open() {
-    make(0x4EFF);
-    ASSERT_TRUE(configure());
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrcPageIntrpt *page() const { return this->PanelTest::page<CVrcPageIntrpt>(PageSlot::Intrpt); }
-  Button *check(int id) const { return page()->control<Button>(id); }
-  uint32_t board(uint32_t parameter) const {
-    uint32_t value = 0;
-    EXPECT_EQ(VRX_ParameterGet(handle(), parameter, &value), VRX_OK);
-    return value;
-  }
-  void set_board(uint32_t parameter, uint32_t value) {
-    ASSERT_EQ(VRX_ParameterSet(handle(), parameter, &value), VRX_OK);
-  }
+  Button *check(int id) const { return item<Button>(id); }
 };
 
 TEST_F(IntrptPage, WithoutABoardOnlyTheEnableStatesChange) {
   make(0x4EFF);
-  ctrl->set_active_page(ctrl->page_index(page()));
+  show();
   EXPECT_EQ(page()->OnApplyMessage(), -1);
   EXPECT_EQ(page()->OnRefreshMessage(), -1);
   for (int id : kCheckIds) EXPECT_FALSE(check(id)->enabled()) << id;

@@ -2,7 +2,7 @@
 // Set All and Clear All, the input levels (the simulated board's loop-back included), the auto
 // refresh timer, a refused write and the enable rule.
 #include "control/pages/io_ports_page.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 
 namespace control_test {
@@ -14,18 +14,9 @@ using vrc::window::Button;
 constexpr int kOutputIds[] = {17200, 17201, 17202, 17203, 17204, 17205, 17206, 17207, 17208, 17209};
 constexpr int kInputIds[] = {17220, 17221, 17222, 17223, 17224, 17225, 17226, 17227, 17228};
 
-class IoPortsPage : public PanelTest {
+class IoPortsPage : public PageFixture<CVrxPageIoPorts, PageSlot::IoPorts> {
  protected:
-  void open() {
-    make(0x4EFF);
-    ASSERT_TRUE(configure());
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrxPageIoPorts *page() const {
-    return this->PanelTest::page<CVrxPageIoPorts>(PageSlot::IoPorts);
-  }
-  Button *box(int id) const { return page()->control<Button>(id); }
+  Button *box(int id) const { return item<Button>(id); }
   bool line_set(uint32_t line) const {
     uint32_t value = line;
     EXPECT_EQ(VRX_ParameterGet(handle(), vrx::ParamOutputPort, &value), VRX_OK);
@@ -36,19 +27,17 @@ class IoPortsPage : public PanelTest {
     for (int id : kOutputIds) states += box(id)->checked() ? '1' : '0';
     return states;
   }
+  // H, L, or - for an empty text, per input line.
   std::string inputs() const {
     std::string levels;
-    for (int id : kInputIds)
-      levels += page()->child(id)->text() == "High"  ? 'H'
-                : page()->child(id)->text() == "Low" ? 'L'
-                                                     : '-';
+    for (int id : kInputIds) levels += text(id) == "High" ? 'H' : text(id) == "Low" ? 'L' : '-';
     return levels;
   }
 };
 
 TEST_F(IoPortsPage, WithoutABoardEverythingIsDisabledAndNoLevelShown) {
   make(0x4EFF);
-  ctrl->set_active_page(ctrl->page_index(page()));
+  show();
   EXPECT_EQ(page()->OnApplyMessage(), -1);
   EXPECT_EQ(page()->OnRefreshMessage(), -1);
   for (int id : kOutputIds) EXPECT_FALSE(box(id)->enabled());

@@ -2,7 +2,7 @@
 // table written and read back, a refused value in the middle, and the table visibly applied to
 // the simulated camera's frames.
 #include "control/pages/lut_page.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 #include "platform/window/picture.h"
 
@@ -50,27 +50,14 @@ TEST(LutCurve, ThePreviewDrawsTheIdentityAndEachCurve) {
   EXPECT_EQ(off[static_cast<std::size_t>(64 - 32) * 65 + 16], 0xFF808080u);
 }
 
-class LutPage : public PanelTest {
+class LutPage : public PageFixture<CVrxPageLut, PageSlot::Lut> {
  protected:
-  void open() {
-    make(0x4EFF);
-    ASSERT_TRUE(configure());
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrxPageLut *page() const { return this->PanelTest::page<CVrxPageLut>(PageSlot::Lut); }
-  ScrollBar *bar(int id) const { return page()->control<ScrollBar>(id); }
-  std::string text(int id) const { return page()->child(id)->text(); }
-  uint32_t board(uint32_t parameter) const {
-    uint32_t value = 0;
-    EXPECT_EQ(VRX_ParameterGet(handle(), parameter, &value), VRX_OK);
-    return value;
-  }
+  ScrollBar *bar(int id) const { return item<ScrollBar>(id); }
 };
 
 TEST_F(LutPage, WithoutABoardTheControlsAreDisabledAtTheIdentity) {
   make(0x4EFF);
-  ctrl->set_active_page(ctrl->page_index(page()));
+  show();
   EXPECT_EQ(page()->OnApplyMessage(), -1);
   EXPECT_EQ(page()->OnRefreshMessage(), -1);
   for (int id : {17120, 17121, 17130, 17131, 17134, 17135, 17155})

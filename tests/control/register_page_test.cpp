@@ -3,7 +3,7 @@
 // spaces, a partial read's TIMEOUT message, the 96-digit display limit and Reset.
 #include "control/pages/register_page.h"
 #include "control/pages/register_access.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 
 namespace control_test {
@@ -14,18 +14,11 @@ using vrc::control::PageSlot;
 using vrc::window::Button;
 using vrc::window::Edit;
 
-class RegisterPage : public PanelTest {
+class RegisterPage : public PageFixture<CVrcPageDevice, PageSlot::Device> {
  protected:
-  void open(int mode = 0) {
-    make(0x2001);
-    ASSERT_TRUE(configure(0, 0, mode));
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrcPageDevice *page() const { return this->PanelTest::page<CVrcPageDevice>(PageSlot::Device); }
-  void type(int id, const std::string &text) { page()->control<Edit>(id)->type_as_user(text); }
-  void click(int id) { page()->control<Button>(id)->click_as_user(); }
-  std::string text(int id) const { return page()->child(id)->text(); }
+  void open_board() { open(0x2001); }
+  void type(int id, const std::string &value) { item<Edit>(id)->type_as_user(value); }
+  void click(int id) { item<Button>(id)->click_as_user(); }
   std::vector<uint8_t> read(uint32_t port, uint32_t address, uint32_t count) {
     std::vector<uint8_t> bytes(count);
     EXPECT_EQ(VRX_ControlRead(handle(), port, &address, bytes.data(), &count, 10), VRX_OK);
@@ -63,7 +56,7 @@ TEST(RegisterText, CameraReadsShowAtMost96DigitsInLinesOf32) {
 
 TEST_F(RegisterPage, EverythingIsDisabledUntilABoardIsOpenForAcquisition) {
   make(0x2001);
-  ctrl->set_active_page(ctrl->page_index(page()));
+  show();
   for (int id : kAll) EXPECT_FALSE(page()->child(id)->enabled()) << id;
   EXPECT_EQ(page()->OnApplyMessage(), -1);
   EXPECT_EQ(page()->OnRefreshMessage(), -1);
@@ -91,7 +84,7 @@ struct MessageCase {
 class RegisterMessages : public RegisterPage, public ::testing::WithParamInterface<MessageCase> {};
 
 TEST_P(RegisterMessages, InvalidTextsAreRefusedWithTheirMessage) {
-  open();
+  open_board();
   for (const auto &[id, value] : GetParam().typed) type(id, value);
   click(GetParam().button);
   ASSERT_EQ(desk().boxes().size(), 1u);
@@ -130,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "Read from Camera|TIMEOUT: Requested [0x8], Read [0x4]"}));
 
 TEST_F(RegisterPage, CameraWriteThenReadShowsTheBytes) {
-  open();
+  open_board();
   type(17390, "200");
   type(17391, "123456789ABCDEF");  // odd: 0x01 first, then pairs
   click(17400);
@@ -144,7 +137,7 @@ TEST_F(RegisterPage, CameraWriteThenReadShowsTheBytes) {
 }
 
 TEST_F(RegisterPage, ALongCameraReadIsCutTo96DigitsAfterItsMessage) {
-  open();
+  open_board();
   type(17390, "200");
   type(17391, std::string(128, 'e'));
   click(17400);
@@ -158,7 +151,7 @@ TEST_F(RegisterPage, ALongCameraReadIsCutTo96DigitsAfterItsMessage) {
 }
 
 TEST_F(RegisterPage, AZeroOrEmptyCountReadsNothing) {
-  open();
+  open_board();
   type(17392, "200");
   type(17393, "0");
   click(17402);
@@ -169,7 +162,7 @@ TEST_F(RegisterPage, AZeroOrEmptyCountReadsNothing) {
 }
 
 TEST_F(RegisterPage, FrameGrabberWriteAndReadAWord) {
-  open();
+  open_board();
   type(17395, "104");
   type(17396, "CAFEF00D");
   click(17401);
@@ -185,7 +178,7 @@ TEST_F(RegisterPage, FrameGrabberWriteAndReadAWord) {
 }
 
 TEST_F(RegisterPage, AReadOfNoRegisterEndsSilently) {
-  open();
+  open_board();
   type(17397, "FFF0");
   click(17403);
   EXPECT_TRUE(desk().boxes().empty());
@@ -196,7 +189,7 @@ TEST_F(RegisterPage, AReadOfNoRegisterEndsSilently) {
 }
 
 TEST_F(RegisterPage, ResetRestoresTheCameraRegisters) {
-  open();
+  open_board();
   type(17390, "104");
   type(17391, "00000200");
   click(17400);

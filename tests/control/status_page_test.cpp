@@ -2,7 +2,7 @@
 // states, the event counts while live, the first and last errors, Board Properties, a failed read
 // and the enable rule.
 #include "control/pages/status_page.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 
 namespace control_test {
@@ -28,21 +28,11 @@ TEST(StatusTexts, RevisionsBusesAndStates) {
             "Model: VR-X\nName: A, B\nloose");
 }
 
-class StatusPage : public PanelTest {
- protected:
-  void open(int board = 0) {
-    make(0x4EFF);
-    ASSERT_TRUE(configure(board));
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrxPageStatus *page() const { return this->PanelTest::page<CVrxPageStatus>(PageSlot::Status); }
-  std::string text(int id) const { return page()->child(id)->text(); }
-};
+using StatusPage = PageFixture<CVrxPageStatus, PageSlot::Status>;
 
 TEST_F(StatusPage, WithoutABoardTheTextsAreEmptyAndTheButtonsDisabled) {
   make(0x4EFF);
-  ctrl->set_active_page(ctrl->page_index(page()));
+  show();
   EXPECT_EQ(page()->OnRefreshMessage(), -1);
   EXPECT_EQ(page()->OnApplyMessage(), -1);
   for (int id = 17300; id <= 17307; ++id) EXPECT_EQ(text(id), "") << id;
@@ -95,7 +85,7 @@ TEST_F(StatusPage, ErrorsShowTheFirstOnRequestAndTheLastOnRefresh) {
 }
 
 TEST_F(StatusPage, BoardPropertiesShowsTheInformationText) {
-  open(1);
+  open(0x4EFF, 1);
   page()->control<Button>(17309)->click_as_user();
   ASSERT_EQ(desk().boxes().size(), 1u);
   EXPECT_EQ(desk().boxes()[0].caption, "Board Properties");

@@ -1,7 +1,7 @@
 // The Test page: the defaults with "Flash" off, Select All and Select None, the run of the checked
 // tests in order with one failure injected, the result boxes, and the enable rules.
 #include "control/pages/test_page.h"
-#include "control_support.h"
+#include "page_fixture.h"
 #include "platform/board/vrx_params.h"
 
 namespace control_test {
@@ -17,18 +17,9 @@ constexpr bool kDefaults[] = {true, true, true, true, false, true, true, true, t
 constexpr int kUnbound[] = {17253, 17257, 17261};
 constexpr int kButtons[] = {17263, 17264, 17265};
 
-class TestPage : public PanelTest {
+class TestPage : public PageFixture<CVrxPageTest, PageSlot::Test> {
  protected:
-  void open(bool configured = true) {
-    make(0x0101);
-    if (configured) {
-      ASSERT_TRUE(configure());
-    }
-    ctrl->set_active_page(ctrl->page_index(page()));
-    pump_for(50);  // the refresh that opening the board posts
-  }
-  CVrxPageTest *page() const { return this->PanelTest::page<CVrxPageTest>(PageSlot::Test); }
-  Button *box(int id) const { return page()->control<Button>(id); }
+  Button *box(int id) const { return item<Button>(id); }
   std::string checks() const {
     std::string states;
     for (int id : kTestIds) states += box(id)->checked() ? '1' : '0';
@@ -37,7 +28,8 @@ class TestPage : public PanelTest {
 };
 
 TEST_F(TestPage, DefaultsLeaveFlashOffAndNothingIsEnabledWithoutABoard) {
-  open(false);
+  make(0x0101);
+  show();
   EXPECT_EQ(checks(), "11110111111");
   for (int id : kTestIds) EXPECT_FALSE(box(id)->enabled()) << id;
   for (int id : kButtons) EXPECT_FALSE(box(id)->enabled()) << id;
@@ -46,7 +38,7 @@ TEST_F(TestPage, DefaultsLeaveFlashOffAndNothingIsEnabledWithoutABoard) {
 }
 
 TEST_F(TestPage, WithABoardEveryTestButFlashAndTheUnboundBoxesIsEnabled) {
-  open();
+  open(0x0101);
   for (std::size_t i = 0; i < std::size(kTestIds); ++i)
     EXPECT_EQ(box(kTestIds[i])->enabled(), kTestIds[i] != 17254) << kTestIds[i];
   for (int id : kUnbound) EXPECT_FALSE(box(id)->enabled()) << id;
@@ -56,7 +48,7 @@ TEST_F(TestPage, WithABoardEveryTestButFlashAndTheUnboundBoxesIsEnabled) {
 }
 
 TEST_F(TestPage, SelectNoneClearsAllAndSelectAllRestoresTheDefaults) {
-  open();
+  open(0x0101);
   box(17254)->set_checked(true);
   box(17265)->click_as_user();
   EXPECT_EQ(checks(), "00000000000");
@@ -65,7 +57,7 @@ TEST_F(TestPage, SelectNoneClearsAllAndSelectAllRestoresTheDefaults) {
 }
 
 TEST_F(TestPage, APassingRunShowsThePassedBox) {
-  open();
+  open(0x0101);
   box(17263)->click_as_user();
   ASSERT_EQ(desk().boxes().size(), 1u);
   EXPECT_EQ(desk().boxes()[0].text, "System test passed (see log window for details)");
@@ -77,7 +69,7 @@ TEST_F(TestPage, APassingRunShowsThePassedBox) {
 }
 
 TEST_F(TestPage, AFailureDoesNotStopTheLaterTestsAndShowsTheFailedBox) {
-  open();
+  open(0x0101);
   // The ZBT test fails, and so does the last test, which runs all the same.
   vrxsim_fault_test(vrx::TestZbt, 1, 0);
   vrxsim_fault_test(vrx::TestChain, 1, 0);
@@ -93,7 +85,7 @@ TEST_F(TestPage, AFailureDoesNotStopTheLaterTestsAndShowsTheFailedBox) {
 }
 
 TEST_F(TestPage, OnlyCheckedTestsRunAndFlashRunsWhenChecked) {
-  open();
+  open(0x0101);
   box(17265)->click_as_user();
   box(17254)->set_checked(true);  // Flash, checked by program: the box itself stays disabled
   vrxsim_fault_test(vrx::TestPciWalk, 1, 0);
@@ -105,7 +97,7 @@ TEST_F(TestPage, OnlyCheckedTestsRunAndFlashRunsWhenChecked) {
 }
 
 TEST_F(TestPage, TheButtonsAreDisabledWhileTheTestsRun) {
-  open();
+  open(0x0101);
   // The result box is shown while the run is still marked: the buttons are disabled then.
   struct Probe : TestDesktop {
     CVrxPageTest *page = nullptr;
