@@ -9,9 +9,11 @@ if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
   "$panel"
 else
   screenshot="$repo_root/vrc-panel-demo.png"
+  script="$repo_root/tools/vrc-panel/demo.vrc"
   echo "vrc-panel (offscreen, no display): open the simulated board, Live for a second, Freeze"
-  QT_QPA_PLATFORM=offscreen "$panel" --script "$repo_root/tools/vrc-panel/demo.vrc" \
-    --screenshot-on-exit "$screenshot"
+  # Each command of the script beside the panel's answer to it.
+  QT_QPA_PLATFORM=offscreen "$panel" --script "$script" --screenshot-on-exit "$screenshot" |
+    paste -d '|' <(grep -v -e '^[[:space:]]*#' -e '^[[:space:]]*$' "$script") - | sed 's/|/   ->  /'
   echo "vrc-panel: screenshot of the panel saved as $screenshot"
 fi
 exec "$repo_root/build/tools/zep/zep" demo "$@"

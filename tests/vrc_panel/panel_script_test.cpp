@@ -92,6 +92,8 @@ TEST(PanelScript, ErrorLinesNeverStopAScriptAndReportsComeFirst) {
       "property c a=1\\nb=2\n"
       "property b a=1\\nb\n"
       "counters\n"
+      "save-sequence 1 2\n"
+      "save-sequence 1\n"
       "select 17028 Any\n"
       "status\n");
   expect_lines(run, {"error unknown command 'bogus'",
@@ -117,6 +119,8 @@ TEST(PanelScript, ErrorLinesNeverStopAScriptAndReportsComeFirst) {
                      "ok 0",
                      "ok 2",
                      R"(ok \{"acquired": 0, "painted": 0, "dropped": 0, "fps": [0-9.]+\})",
+                     "error this panel has no sequence saving: its Display page does not offer it",
+                     "error usage: save-sequence FIRST LAST",
                      "error usage: select ID INDEX\\|\"TEXT\"",
                      "ok"});
 }
@@ -242,6 +246,28 @@ TEST(PanelScript, InterruptBoxesTakeTheScriptsAnswers) {
        R"(ok \[\{"caption": "Test Interrupt Received", "text": "VrxCtrl::OnInterruptTest", "type": 0, )"
        R"("answer": "cancel"\}\])",
        "ok 0", "ok", R"(ok \[\])", R"(ok \[\])"});
+}
+
+TEST(PanelScript, FileDialogsTakeTheScriptsAnswers) {
+  const PanelRun run = run_panel(
+      "answer-file cancel\n"
+      "click 17021\n"
+      "answer-file /tmp/panel test/camera.vcf 1\n"
+      "click 17021\n"
+      "dialogs\n"
+      "dialogs\n"
+      "click 17022\n"
+      "dump\n");
+  const std::string request =
+      R"j(\{"save": false, "title": "[^"]*", "filters": \[\["Vireo Configuration File \(\*\.vcf\)", "\*\.vcf"\]\], )j"
+      R"j("filter_index": 1, "initial_name": "[^"]*", "flags": 6150, )j";
+  expect_lines(
+      run, {"ok", "ok", "ok", "ok",
+            "ok \\[" + request + R"("answer": null\}, )" + request +
+                R"("answer": "/tmp/panel test/camera\.vcf"\}\])",
+            R"(ok \[\])", "ok",
+            R"j(ok \{.*\{"id": 17020, "kind": "static", "text": "/tmp/panel test/camera\.vcf", .*)j"
+            R"j(\{"id": 17022, "kind": "button", "text": "Edit File", "enabled": true, .*)j"});
 }
 
 TEST(PanelScript, EndOfInputWhileLiveClosesThePanelCleanly) {

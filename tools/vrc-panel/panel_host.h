@@ -1,6 +1,6 @@
 // The panel as vrc-panel holds it: a CVrc over the main window, built with the default pages or
-// with given page bits, and its window created at once. This is the one place where the
-// program reaches into the control object.
+// with given page bits, and its window created at once. The program builds, holds and closes
+// the control object here; the commands reach it through this host.
 #pragma once
 
 #include <cstdint>
