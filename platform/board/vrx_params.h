@@ -174,8 +174,11 @@ constexpr const BoardBus *find_board_bus(uint32_t model) {
 }
 
 constexpr bool every_model_has_a_bus() {
-  for (const BoardModel &model : kBoardModels)
-    if (!find_board_bus(model.value)) return false;
+  for (const BoardModel &model : kBoardModels) {
+    bool found = false;
+    for (const BoardBus &bus : kBoardBuses) found = found || bus.model == model.value;
+    if (!found) return false;
+  }
   return true;
 }
 static_assert(every_model_has_a_bus());

@@ -27,18 +27,6 @@ class ConfigureBoard : public PanelTest {
   }
 };
 
-TEST_F(ConfigureBoard, StartsReleasedWithItsDefaults) {
-  make();
-  EXPECT_EQ(page()->child(17020)->text(), "Not Selected");
-  EXPECT_FALSE(enabled(17022));
-  EXPECT_EQ(selection_states(), "1111100");
-  EXPECT_EQ(page()->control<ComboBox>(17028)->count(), 25);
-  EXPECT_EQ(page()->control<ComboBox>(17028)->item_text(0), "Any");
-  EXPECT_EQ(page()->control<ComboBox>(17028)->item_data(0), 0xC0014000u);
-  EXPECT_EQ(page()->control<ComboBox>(17025)->count(), 7);
-  EXPECT_EQ(page()->control<ComboBox>(17029)->item_text(2), "Comms Only");
-}
-
 struct ModeCase {
   int mode, board, channel;
   std::string title;

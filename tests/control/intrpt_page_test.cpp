@@ -116,15 +116,5 @@ TEST_F(IntrptPage, AFailedReadFailsTheRefreshAndLeavesTheControls) {
   EXPECT_EQ(page()->child(17361)->text(), "12");
 }
 
-TEST_F(IntrptPage, EditsAndClicksLightApplyNow) {
-  open();
-  ctrl->SetApply(0);
-  page()->control<Edit>(17361)->type_as_user("4");
-  EXPECT_TRUE(ctrl->child(vrc::window::ID_APPLY_NOW)->enabled());
-  ctrl->SetApply(0);
-  check(17352)->click_as_user();
-  EXPECT_TRUE(ctrl->child(vrc::window::ID_APPLY_NOW)->enabled());
-}
-
 }  // namespace
 }  // namespace control_test
