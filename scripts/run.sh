@@ -3,7 +3,7 @@
 # imaging demonstration. With a display the panel opens for the user; without one it runs a
 # short demonstration script offscreen and saves a screenshot of itself.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
-vrc_build build -DCMAKE_BUILD_TYPE=Release -DVRC_WITH_PANEL=ON
+VRC_TARGETS="zep vrc-panel" vrc_build release
 panel="$repo_root/build/tools/vrc-panel/vrc-panel"
 if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
   "$panel"

@@ -4,6 +4,8 @@
 #include <array>
 #include <mutex>
 
+#include "platform/board/vrx_params.h"
+
 namespace control_test {
 namespace {
 
@@ -141,7 +143,11 @@ bool PanelTest::configure(int board_number, int channel, int mode) {
   configure->control<vrc::window::ComboBox>(17026)->select_as_user(channel);
   configure->control<vrc::window::ComboBox>(17029)->select_as_user(mode);
   configure->control<vrc::window::Button>(17023)->click_as_user();
-  return ctrl->GetCameraHandle() != 0;
+  if (ctrl->GetCameraHandle() == 0) return false;
+  // A ring deep enough that a slow test machine does not overflow it at 30 frames per second.
+  uint32_t buffers = 16;
+  VRX_ParameterSet(ctrl->GetCameraHandle(), vrx::ParamBufferCount, &buffers);
+  return true;
 }
 
 void PanelTest::press(int id) {

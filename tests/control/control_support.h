@@ -115,7 +115,7 @@ class PanelTest : public ControlTest {
   // Constructs the control with `pages` and creates its window.
   void make(uint32_t pages = 0x4EFF, CWnd *parent = nullptr);
   // Selects board number, channel and mode by combo index on the Configure page and presses
-  // Configure; true when the board is open.
+  // Configure; true when the board is open, with a ring of 16 capture buffers.
   bool configure(int board_number = 0, int channel = 0, int mode = 0);
   // A WM_COMMAND click of a sheet button (17000-17004, 12321, 9), enabled or not.
   void press(int id);

@@ -55,9 +55,9 @@ TEST_P(EveryFormat, RoundTripsALineWithinItsPrecision) {
 
 INSTANTIATE_TEST_SUITE_P(CaptureFormats, EveryFormat,
                          ::testing::Range(kCaptureFormatBase, kCaptureFormatBase + 32),
-                         [](const auto &info) {
+                         [](const auto &param_info) {
                            return std::string("k").append(
-                               std::to_string(info.param - kCaptureFormatBase));
+                               std::to_string(param_info.param - kCaptureFormatBase));
                          });
 
 TEST(CaptureFormats, LineLengths) {
@@ -227,9 +227,9 @@ TEST_P(CaptureEveryFormat, CapturesPaintsAndConverts) {
 
 INSTANTIATE_TEST_SUITE_P(CaptureFormats, CaptureEveryFormat,
                          ::testing::Range(kCaptureFormatBase, kCaptureFormatBase + 32),
-                         [](const auto &info) {
+                         [](const auto &param_info) {
                            return std::string("k").append(
-                               std::to_string(info.param - kCaptureFormatBase));
+                               std::to_string(param_info.param - kCaptureFormatBase));
                          });
 
 }  // namespace

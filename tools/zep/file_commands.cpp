@@ -3,6 +3,7 @@
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -24,7 +25,7 @@ int describe(const char *path) {
   if (!path_fits(path)) return kFailure;
   const uint32_t format = ZEP_image_find_file_format(path);
   if (ZEP_IS_ERROR(format)) {
-    std::fprintf(stderr, "zep: %s: cannot open the file\n", path);
+    fail("%s: cannot open the file", path);
     return kFailure;
   }
   if (format == ZEP_FILE_UNKNOWN) {
@@ -32,11 +33,15 @@ int describe(const char *path) {
                  format_list(is_detected, Case::Upper, ", ", " or ").c_str());
     return kFailure;
   }
+  if (format == ZEP_FILE_JPEG) return describe_jpeg(path);
   Image image;
-  if (!image.created()) return kFailure;
+  if (!image.created()) {
+    fail("cannot create an image");
+    return kFailure;
+  }
   ZEP_image_set_infilename(image.handle(), path);
   if (ZEP_IS_ERROR(ZEP_image_read(image.handle(), ZEP_FILE_UNKNOWN, ZEP_ACTION_CLOSE))) {
-    std::fprintf(stderr, "zep: %s: cannot read the %s header\n", path, format_name(format));
+    fail("%s: cannot read the %s header", path, format_name(format));
     return kFailure;
   }
   const uint32_t handle = image.handle();
@@ -60,14 +65,26 @@ struct ConvertRequest {
   const char *output = nullptr;
   std::optional<uint16_t> format;
   std::optional<uint16_t> type;
+  std::optional<uint16_t> quality;  // JPEG quality scale
 };
 
-// Parses IN OUT [--format F] [--type T]; a message and nullopt on a mistake.
+constexpr unsigned kLowestQuality = 1;
+constexpr unsigned kHighestQuality = 400;
+
+std::optional<uint16_t> quality_from_text(const char *text) {
+  char *end = nullptr;
+  const unsigned long value = std::strtoul(text, &end, 10);
+  if (end == text || *end != '\0' || value < kLowestQuality || value > kHighestQuality)
+    return std::nullopt;
+  return static_cast<uint16_t>(value);
+}
+
+// Parses IN OUT [--format F] [--type T] [--quality Q]; a message and nullopt on a mistake.
 std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   ConvertRequest request;
   for (int i = 0; i < argc; ++i) {
     const std::string argument = argv[i];
-    if (argument == "--format" || argument == "--type") {
+    if (argument == "--format" || argument == "--type" || argument == "--quality") {
       if (i + 1 == argc) {
         std::fprintf(stderr, "zep: %s needs a value\n", argv[i]);
         return std::nullopt;
@@ -78,6 +95,15 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
         if (!request.format) {
           std::fprintf(stderr, "zep: unknown output format '%s' (%s)\n", value,
                        format_list(is_writable, Case::Lower, ", ", " or ").c_str());
+          return std::nullopt;
+        }
+      } else if (argument == "--quality") {
+        request.quality = quality_from_text(value);
+        if (!request.quality) {
+          std::fprintf(stderr,
+                       "zep: quality '%s' is not a JPEG quality scale from %u to %u (16: the "
+                       "standard tables, larger: finer)\n",
+                       value, kLowestQuality, kHighestQuality);
           return std::nullopt;
         }
       } else {
@@ -135,9 +161,12 @@ int run_convert(int argc, char **argv) {
   if (!path_fits(request->input) || !path_fits(request->output)) return kFailure;
   Image source;
   Image converted;
-  if (!source.created() || !converted.created()) return kFailure;
+  if (!source.created() || !converted.created()) {
+    fail("cannot create an image");
+    return kFailure;
+  }
   if (ZEP_IS_ERROR(read_whole_image(source.handle(), request->input))) {
-    std::fprintf(stderr, "zep: cannot read '%s'\n", request->input);
+    fail("cannot read '%s'", request->input);
     return kFailure;
   }
   uint32_t result = source.handle();
@@ -153,14 +182,13 @@ int run_convert(int argc, char **argv) {
     if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(),
                                        static_cast<uint16_t>(wanted_type), 0,
                                        ZEP_MODE_NEXT_STRIP))) {
-      std::fprintf(stderr, "zep: cannot convert %s pixels to %s\n", type_name(source_type),
-                   type_name(wanted_type));
+      fail("cannot convert %s pixels to %s", type_name(source_type), type_name(wanted_type));
       return kFailure;
     }
     result = converted.handle();
   }
-  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format))) {
-    std::fprintf(stderr, "zep: cannot write '%s'\n", request->output);
+  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format, request->quality))) {
+    fail("cannot write '%s'", request->output);
     return kFailure;
   }
   std::printf("%s: %s, %u x %u, %s\n", request->output, format_name(*request->format),

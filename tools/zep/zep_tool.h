@@ -36,8 +36,12 @@ enum class Case { Upper, Lower };
 std::string format_list(bool (*keep)(const ZEP_FILE_FORMAT_INFO &), Case letters,
                         const char *separator, const char *last_separator);
 
-// Starts the library and prints every reported failure as one line on standard error.
+// Starts the library with an error handler that keeps the last report instead of printing it.
 void start_library();
+
+// Prints one failure as "zep: WHAT: WHY": WHAT formatted from `format` (what the tool tried),
+// WHY the library's report of the failure when it made one since the last failure printed.
+[[gnu::format(printf, 1, 2)]] void fail(const char *format, ...);
 
 // Fits a path into an image's 127-character name field; false (with a message) when too long.
 bool path_fits(const char *path);
@@ -58,12 +62,21 @@ class Image {
   uint32_t m_handle;
 };
 
-// Reads the whole of `path` into `image` as one strip; the library's status.
+// Reads the whole of `path` into `image` as one strip (a JPEG file decoded to Y8 or RGB24); the
+// library's status.
 uint32_t read_whole_image(uint32_t image, const char *path);
-// Writes `image` to `path` in `format`; the library's status.
-uint32_t write_image(uint32_t image, const char *path, uint16_t format);
+// Writes `image` to `path` in `format`, a JPEG file at the quality scale `quality` (the library's
+// default without one); the library's status.
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality = std::nullopt);
 // Whether `format` can store pixels of `type` as they are.
 bool format_accepts(uint16_t format, uint32_t type);
+
+// JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
+// printing what one holds.
+uint32_t read_jpeg(uint32_t image, const char *path);
+uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality);
+int describe_jpeg(const char *path);
 
 int run_demo(int argc, char **argv);
 int run_info(int argc, char **argv);
