@@ -11,8 +11,13 @@
 #include "control/pages/display_page.h"
 #include "control/pages/exposure_page.h"
 #include "control/pages/intrpt_page.h"
+#include "control/pages/io_ports_page.h"
+#include "control/pages/lut_page.h"
 #include "control/pages/pocl_page.h"
+#include "control/pages/register_page.h"
 #include "control/pages/roi_page.h"
+#include "control/pages/status_page.h"
+#include "control/pages/test_page.h"
 #include "control/vrx_page.h"
 
 namespace vrc::control {
@@ -59,6 +64,11 @@ std::unique_ptr<CVrxPage> make_default_page(PageSlot slot, CVrxCtrl *owner) {
     case PageSlot::Comms: return std::make_unique<CVrxPageComms>(owner);
     case PageSlot::Cxp: return std::make_unique<CVrcPageCxp>(owner);
     case PageSlot::Pocl: return std::make_unique<CVrcPagePocl>(owner);
+    case PageSlot::Test: return std::make_unique<CVrxPageTest>(owner);
+    case PageSlot::Status: return std::make_unique<CVrxPageStatus>(owner);
+    case PageSlot::IoPorts: return std::make_unique<CVrxPageIoPorts>(owner);
+    case PageSlot::Lut: return std::make_unique<CVrxPageLut>(owner);
+    case PageSlot::Device: return std::make_unique<CVrcPageDevice>(owner);
     default: return std::make_unique<CVrxPage>(owner, slot_template(slot));
   }
 }

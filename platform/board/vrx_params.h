@@ -8,6 +8,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -117,6 +118,71 @@ inline constexpr uint32_t kChannelValues[] = {ChannelA, ChannelB};
 inline constexpr uint32_t kBoardModeValues[] = {BoardModeNormal, BoardModeAcquisitionOnly,
                                                 BoardModeCommsOnly};
 
+// ---- Board status figures (read only) ------------------------------------------------------
+
+inline constexpr uint32_t ParamFirmwareRevision = 0xC002A100;  // 0x00MMmmpp of the board's FPGA
+inline constexpr uint32_t ParamLibraryRevision = 0xC002A200;   // 0x00MMmmpp of the SDK library
+inline constexpr uint32_t ParamBusType = 0xC002A300;
+inline constexpr uint32_t ParamBusWidth = 0xC002A400;       // PCI, PCI-X: data bits; PCIe: lanes
+inline constexpr uint32_t ParamBusClock = 0xC002A500;       // PCI, PCI-X: MHz; PCIe: 0
+inline constexpr uint32_t ParamBusLinkWidth = 0xC002A600;   // PCIe: lanes of the link; else 0
+inline constexpr uint32_t ParamBusVoltage = 0xC002A700;     // PCI, PCI-X: signalling, 1/10 V
+inline constexpr uint32_t ParamAcqState = 0xC002A800;
+inline constexpr uint32_t ParamEventCountImmediate = 0xC002A900;  // the event counter's count
+inline constexpr uint32_t ParamEventCountGated = 0xC002AA00;      // its count in the last gate
+// Error texts ("FUNCTION: MESSAGE (status 0x....)", empty when none): the value points to a
+// `const char*` that receives the text, valid until the next read of the same parameter. The first
+// error is the first since the previous read of ParamFirstError.
+inline constexpr uint32_t ParamFirstError = 0xC002AB00;
+inline constexpr uint32_t ParamLastError = 0xC002AC00;
+
+inline constexpr uint32_t BusPci = 0xC002A301;
+inline constexpr uint32_t BusPciX = 0xC002A302;
+inline constexpr uint32_t BusPciExpress = 0xC002A303;
+inline constexpr uint32_t AcqStateIdle = 0xC002A801;
+inline constexpr uint32_t AcqStateActive = 0xC002A802;
+inline constexpr uint32_t AcqStateWaitingForTrigger = 0xC002A803;
+
+// The bus each board model sits on.
+struct BoardBus {
+  uint32_t model;     // board type code
+  uint32_t type;      // BusPci, BusPciX, BusPciExpress
+  uint8_t width;      // data bits, or lanes for PCI Express
+  uint16_t clock;     // MHz (PCI, PCI-X)
+  uint8_t voltage;    // signalling in 1/10 V (PCI, PCI-X)
+};
+
+inline constexpr std::array<BoardBus, 24> kBoardBuses{{
+    {0xC0011001, BusPci, 32, 33, 50},        {0xC0011002, BusPci, 64, 66, 33},
+    {0xC0011003, BusPci, 64, 66, 33},        {0xC0011004, BusPci, 64, 66, 33},
+    {0xC0011005, BusPci, 64, 66, 33},        {0xC0011006, BusPci, 64, 66, 33},
+    {0xC0012001, BusPciX, 64, 133, 33},      {0xC0012002, BusPciX, 64, 133, 33},
+    {0xC0012003, BusPciX, 64, 133, 33},      {0xC0012004, BusPciX, 64, 133, 33},
+    {0xC0013001, BusPciExpress, 1, 0, 0},    {0xC0013002, BusPciExpress, 4, 0, 0},
+    {0xC0013003, BusPciExpress, 4, 0, 0},    {0xC0013004, BusPciExpress, 4, 0, 0},
+    {0xC0013005, BusPciExpress, 1, 0, 0},    {0xC0013006, BusPciExpress, 4, 0, 0},
+    {0xC0015001, BusPci, 32, 33, 50},        {0xC0015002, BusPci, 32, 33, 50},
+    {0xC0015003, BusPciExpress, 1, 0, 0},    {0xC0015004, BusPciExpress, 1, 0, 0},
+    {0xC0015005, BusPciExpress, 4, 0, 0},    {0xC0016001, BusPciExpress, 4, 0, 0},
+    {0xC0016002, BusPciExpress, 4, 0, 0},    {0xC0016004, BusPciExpress, 8, 0, 0},
+}};
+
+constexpr const BoardBus *find_board_bus(uint32_t model) {
+  for (const BoardBus &bus : kBoardBuses)
+    if (bus.model == model) return &bus;
+  return nullptr;
+}
+
+constexpr bool every_model_has_a_bus() {
+  for (const BoardModel &model : kBoardModels) {
+    bool found = false;
+    for (const BoardBus &bus : kBoardBuses) found = found || bus.model == model.value;
+    if (!found) return false;
+  }
+  return true;
+}
+static_assert(every_model_has_a_bus());
+
 // ---- Acquisition and capture buffers ------------------------------------------------------
 
 inline constexpr uint32_t ParamAcqMode = 0xC0020100;        // 1 continuous, 2 single frame
@@ -195,6 +261,33 @@ inline constexpr auto kVTapOrderValues = value_range<0xC0027D01, 0xC0027D02>();
 // Values the board accepts that the Camera page's lists leave out on purpose.
 inline constexpr uint32_t kHTapTypeUnlisted = 0xC0021403;
 inline constexpr uint32_t kVTapDirectionConverging = 0xC0021603;
+
+// ---- Input look-up table -----------------------------------------------------------------------
+
+// The camera's samples pass a look-up table per colour channel (red, or grey for a mono camera;
+// green; blue) before they are stored: out = gain x in ^ (1 / gamma) + offset, on the 0..1 scale,
+// clipped. Offsets are signed words in 1/255 of full scale, gain in percent, gamma in 1/100.
+inline constexpr uint32_t ParamLutEnable = 0xC002B000;  // FlagOn, FlagOff
+inline constexpr uint32_t ParamLutOffset[3] = {0xC002B100, 0xC002B200, 0xC002B300};
+inline constexpr uint32_t ParamLutGain[3] = {0xC002B400, 0xC002B500, 0xC002B600};
+inline constexpr uint32_t ParamLutGamma[3] = {0xC002B700, 0xC002B800, 0xC002B900};
+
+inline constexpr int32_t kLutOffsetMin = -255, kLutOffsetMax = 255, kLutOffsetDefault = 0;
+inline constexpr int32_t kLutGainMin = 0, kLutGainMax = 400, kLutGainDefault = 100;
+inline constexpr int32_t kLutGammaMin = 10, kLutGammaMax = 400, kLutGammaDefault = 100;
+
+struct LutChannel {
+  int32_t offset = kLutOffsetDefault;
+  int32_t gain = kLutGainDefault;
+  int32_t gamma = kLutGammaDefault;
+};
+
+// The table's output for an input on the 0..1 scale.
+inline double lut_output(const LutChannel &channel, double input) {
+  const double shaped = input <= 0.0 ? 0.0 : std::pow(input, 100.0 / channel.gamma);
+  const double output = channel.gain / 100.0 * shaped + channel.offset / 255.0;
+  return output < 0.0 ? 0.0 : output > 1.0 ? 1.0 : output;
+}
 
 // ---- Acquisition trigger ------------------------------------------------------------------
 
@@ -333,6 +426,26 @@ inline constexpr uint32_t PortOpClear = 0x2000000;  // OR with line bits: clear 
 inline constexpr uint32_t PortOpMask = 0xF000000;
 inline constexpr uint32_t PowerLine12V = 1;
 inline constexpr uint32_t PowerLineGround = 2;
+
+// ---- General-purpose input and output lines --------------------------------------------------
+
+// Output lines, one bit each, driven with the set/clear encoding (PortOpSet / PortOpClear | lines)
+// through ParamOutputPortSet; a read of ParamOutputPort takes the lines to test as its in-value
+// and answers PortOpSet when all of them are set, else PortOpClear.
+inline constexpr uint32_t ParamOutputPort = 0xC0023F00;
+inline constexpr uint32_t ParamOutputPortSet = 0xC0023F01;
+// Input line levels, one bit each, 1 = high (read only).
+inline constexpr uint32_t ParamInputPort = 0xC0024000;
+
+inline constexpr uint32_t OutputTtl1 = 0x001, OutputTtl2 = 0x002, OutputTtl3 = 0x004,
+                          OutputTtl4 = 0x008, OutputOpto1 = 0x010, OutputOpto2 = 0x020,
+                          OutputCc1 = 0x040, OutputCc2 = 0x080, OutputCc3 = 0x100,
+                          OutputCc4 = 0x200;
+inline constexpr uint32_t kOutputLinesAll = 0x3FF;
+inline constexpr uint32_t InputOpto1 = 0x001, InputOpto2 = 0x002, InputAux1 = 0x004,
+                          InputAux2 = 0x008, InputCtrl1 = 0x010, InputCtrl2 = 0x020,
+                          InputCtrl3 = 0x040, InputCcIo1 = 0x080, InputCcIo2 = 0x100;
+inline constexpr uint32_t kInputLinesAll = 0x1FF;
 
 // ---- Interrupts ---------------------------------------------------------------------------
 

@@ -57,6 +57,7 @@ const char* kind_name(ControlKind kind) {
     case ControlKind::Radio: return "radio";
     case ControlKind::Button: return "button";
     case ControlKind::ScrollBar: return "scrollbar";
+    case ControlKind::Picture: return "picture";
   }
   return "?";
 }
@@ -219,6 +220,14 @@ void StaticText::set_text(std::string_view text) {
     static_cast<QGroupBox*>(widget())->setTitle(qs(text));
   else
     static_cast<QLabel*>(widget())->setText(qs(text));
+}
+
+void StaticText::set_word_wrap(bool on) {
+  auto* label = dynamic_cast<QLabel*>(widget());
+  if (!label) return;
+  label->setWordWrap(on);
+  // A grid works out the row's height before the text wraps: keep room for two lines.
+  label->setMinimumHeight(on ? 2 * label->fontMetrics().lineSpacing() + 2 : 0);
 }
 
 // ---- Scroll bar ---------------------------------------------------------------------------

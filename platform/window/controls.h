@@ -20,7 +20,7 @@ class QWidget;
 
 namespace vrc::window {
 
-enum class ControlKind { Label, Static, GroupBox, Combo, Edit, MultiLineEdit, Check, Radio, Button, ScrollBar };
+enum class ControlKind { Label, Static, GroupBox, Combo, Edit, MultiLineEdit, Check, Radio, Button, ScrollBar, Picture };
 
 const char* kind_name(ControlKind kind);
 
@@ -98,6 +98,8 @@ class StaticText : public Control {
   StaticText(ControlKind kind, int id, std::string_view caption, Window* parent, QWidget* parent_widget);
   std::string text() const override;
   void set_text(std::string_view text) override;
+  // Long texts break between words onto a second line instead of widening the page.
+  void set_word_wrap(bool on);
 };
 
 class ScrollBar : public Control {

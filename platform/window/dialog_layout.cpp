@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 
+#include "platform/window/picture.h"
 #include "platform/window/property_page.h"
 #include "platform/window/qt_ownership.h"
 
@@ -27,6 +28,7 @@ std::unique_ptr<Control> make_control(const ControlTemplate& row, Window* owner,
     case ControlKind::Edit: return std::make_unique<Edit>(row.id, owner, parent);
     case ControlKind::MultiLineEdit: return std::make_unique<MultiLineEdit>(row.id, owner, parent);
     case ControlKind::ScrollBar: return std::make_unique<ScrollBar>(row.id, owner, parent);
+    case ControlKind::Picture: return std::make_unique<Picture>(row.id, owner, parent);
     case ControlKind::Check:
     case ControlKind::Radio:
     case ControlKind::Button: return std::make_unique<Button>(row.kind, row.id, row.caption, owner, parent);

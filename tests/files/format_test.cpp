@@ -273,7 +273,9 @@ TEST(Registry, DescribesEveryRowAndWritesEveryStoredType) {
       // A JPEG file is written from a JPEG image: the picture is compressed first.
       vrc::test::ScopedJpeg jpeg;
       const bool compressed = info->code == ZEP_FILE_JPEG;
-      if (compressed) ASSERT_EQ(vrc::test::compress(picture, jpeg, 16), 0u) << type;
+      if (compressed) {
+        ASSERT_EQ(vrc::test::compress(picture, jpeg, 16), 0u) << type;
+      }
       const uint32_t written = compressed ? static_cast<uint32_t>(jpeg) : static_cast<uint32_t>(picture);
       ZEP_image_set_outfilename(written, folder.file("stored").c_str());
       EXPECT_EQ(ZEP_image_write(written, 0, info->code, ZEP_ACTION_DATA), 0u)

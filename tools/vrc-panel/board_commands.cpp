@@ -28,7 +28,8 @@ Answer status_answer(uint32_t status) { return Answer::success(std::to_string(st
 // Parameters whose value is a pointer rather than a word: a script cannot give or read those.
 bool carries_pointer(uint32_t parameter) {
   return parameter == vrx::ParamConfigFile || parameter == vrx::ParamEventContext ||
-         parameter == vrx::ParamBoardInfo;
+         parameter == vrx::ParamBoardInfo || parameter == vrx::ParamFirstError ||
+         parameter == vrx::ParamLastError;
 }
 
 std::optional<Answer> run_board(Session &session, Words &words) {

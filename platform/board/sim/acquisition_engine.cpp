@@ -113,6 +113,11 @@ void AcquisitionEngine::set_gain(uint32_t gain) {
   m_gain = gain;
 }
 
+void AcquisitionEngine::set_input_lut(const InputLut& lut) {
+  std::lock_guard lock(m_mutex);
+  m_lut = lut;
+}
+
 void AcquisitionEngine::trigger() {
   std::lock_guard lock(m_mutex);
   ++m_trigger_edges;
@@ -128,6 +133,16 @@ void AcquisitionEngine::raise(uint32_t event_mask) {
 void AcquisitionEngine::inject_frame(std::vector<uint8_t> bytes) {
   std::lock_guard lock(m_mutex);
   m_injected = std::move(bytes);
+}
+
+bool AcquisitionEngine::waiting_for_trigger() const {
+  std::lock_guard lock(m_mutex);
+  return m_running && !m_free_running && m_trigger_edges == 0;
+}
+
+double AcquisitionEngine::frame_period_us() const {
+  std::lock_guard lock(m_mutex);
+  return std::chrono::duration<double, std::micro>(m_frame_period).count();
 }
 
 uint64_t AcquisitionEngine::frames_captured() const {
@@ -205,7 +220,7 @@ void AcquisitionEngine::capture(Clock::time_point now, uint32_t& events) {
   const uint64_t frame = ++m_frame_counter;
   const std::size_t start = std::size_t{g.y_offset} * g.bytes_per_line + g.x_offset_bytes;
   if (start < buffer.data.size()) {
-    PatternGeometry pattern{g.width, g.height, g.bytes_per_line, g.format, g.bayer_type, m_gain};
+    PatternGeometry pattern{g.width, g.height, g.bytes_per_line, g.format, g.bayer_type, m_gain, &m_lut};
     draw_test_pattern(pattern, frame, std::span(buffer.data).subspan(start));
   }
   if (!m_injected.empty()) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/board/sim/capture_ring.h"
+#include "platform/board/sim/input_lut.h"
 #include "platform/board/vrx_sdk.h"
 
 namespace vrxsim {
@@ -50,11 +51,15 @@ class AcquisitionEngine {
   uint32_t interrupt_mask() const;
   void set_frame_rate(double frames_per_second);
   void set_gain(uint32_t gain);
+  void set_input_lut(const InputLut& lut);
   void trigger();
   void raise(uint32_t event_mask);
   void inject_frame(std::vector<uint8_t> bytes);
 
   uint64_t frames_captured() const;
+  // Running, but held until a trigger edge starts the frames.
+  bool waiting_for_trigger() const;
+  double frame_period_us() const;
   // Inside a callback: when its events happened (steady clock, ns).
   uint64_t event_time_ns() const;
 
@@ -77,6 +82,7 @@ class AcquisitionEngine {
                     VRX_EVENT_FRAME_LOST;
   Clock::duration m_frame_period;
   uint32_t m_gain = 256;
+  InputLut m_lut;
   bool m_quit = false;
   bool m_running = false;
   bool m_free_running = false;  // frames at the frame rate (no trigger, or after the first edge)

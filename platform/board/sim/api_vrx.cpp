@@ -22,7 +22,7 @@ template <typename Body>
 uint32_t on_channel(const char* function, uint32_t handle, Body&& body) noexcept {
   std::shared_ptr<Channel> channel = handles().find(handle);
   if (!channel) return VRX_ERR_BAD_HANDLE;
-  const CallReport report(function, channel->error_handler());
+  const CallReport report(function, channel->error_handler(), &channel->error_log());
   return guarded(report, [&] { return body(*channel, report); });
 }
 
@@ -182,6 +182,11 @@ uint32_t vrxsim_fault_delay_events(uint32_t delay_ms, uint32_t count) {
   return VRX_OK;
 }
 
+uint32_t vrxsim_fault_test(uint32_t test_id, uint32_t count, uint32_t status) {
+  vrxsim::faults().add_test(test_id, count, status);
+  return VRX_OK;
+}
+
 uint32_t vrxsim_fault_load(const char* faults) {
   std::string error;
   if (!faults) return VRX_ERR_NULL_ARGUMENT;
@@ -240,6 +245,11 @@ uint32_t vrxsim_traced_writes(VRXSIM_PARAMETER_WRITE* writes, uint32_t capacity,
   *count = static_cast<uint32_t>(recorded.size());
   std::copy_n(recorded.begin(), std::min<std::size_t>(capacity, recorded.size()), writes);
   return VRX_OK;
+}
+
+uint32_t vrxsim_set_input_lines(uint32_t handle, uint32_t levels) {
+  return on_channel("vrxsim_set_input_lines", handle,
+                    [&](Channel& c, const CallReport& r) { return c.set_input_lines(r, levels); });
 }
 
 uint64_t vrxsim_event_time_ns(uint32_t handle) {

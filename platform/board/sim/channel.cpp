@@ -53,6 +53,7 @@ std::string hex(uint32_t value) {
 }
 
 uint32_t CallReport::fail(uint32_t status, const std::string& message) const {
+  if (m_log) m_log->record(m_function, status, message);
   if (m_handler) m_handler(m_function, status, message.c_str());
   return status;
 }

@@ -12,6 +12,9 @@
 
 #include "platform/board/sim/acquisition_engine.h"
 #include "platform/board/sim/cxp_link.h"
+#include "platform/board/sim/error_log.h"
+#include "platform/board/sim/input_lut.h"
+#include "platform/board/sim/io_lines.h"
 #include "platform/board/sim/parameter_store.h"
 #include "platform/board/sim/register_space.h"
 #include "platform/board/sim/serial_camera.h"
@@ -26,13 +29,15 @@ std::string hex(uint32_t value);
 // Reports one call's failure through the handle's error handler, once.
 class CallReport {
  public:
-  CallReport(const char* function, VRX_ERR_HANDLER handler) : m_function(function), m_handler(handler) {}
+  CallReport(const char* function, VRX_ERR_HANDLER handler, ErrorLog* log = nullptr)
+      : m_function(function), m_handler(handler), m_log(log) {}
   uint32_t fail(uint32_t status, const std::string& message) const;
   const char* function() const { return m_function; }
 
  private:
   const char* m_function;
   VRX_ERR_HANDLER m_handler;
+  ErrorLog* m_log;
 };
 
 class Channel {
@@ -43,6 +48,7 @@ class Channel {
   Channel& operator=(const Channel&) = delete;
 
   VRX_ERR_HANDLER error_handler() const { return m_handler; }
+  ErrorLog& error_log() { return m_errors; }
 
   uint32_t open(const CallReport& report);
   uint32_t close(const CallReport& report);
@@ -67,6 +73,7 @@ class Channel {
   uint32_t force_parameter(const CallReport& report, uint32_t id, uint32_t value);
   uint32_t set_pocl_camera(const CallReport& report, bool attached);
   uint32_t set_cxp_trip(const CallReport& report, bool tripped);
+  uint32_t set_input_lines(const CallReport& report, uint32_t levels);
   // 0 when not open.
   uint64_t event_time_ns() const;
 
@@ -91,11 +98,18 @@ class Channel {
     bool pocl_camera = false;
     CxpLink cxp;
     uint32_t comms_sent = 0, comms_received = 0;
+    IoLines io;
+    InputLut lut;
+    std::string first_error, last_error;  // the texts handed out by the last reads
   };
 
   uint32_t set_selection(const CallReport& report, uint32_t id, void* value);
   std::optional<uint32_t> get_computed(uint32_t id, void* value);
   uint32_t set_special(const CallReport& report, uint32_t id, uint32_t value, bool& handled);
+  // Status figures, error texts, input and output lines and the input look-up table
+  // (channel_board_extras.cpp); nothing when `id` is none of them.
+  std::optional<uint32_t> get_board_extra(uint32_t id, void* value);
+  std::optional<uint32_t> set_board_extra(const CallReport& report, uint32_t id, uint32_t value);
   uint32_t status_word() const;
   AcquisitionSettings acquisition_settings() const;
   uint32_t check_feature(const CallReport& report, uint32_t id) const;
@@ -103,6 +117,7 @@ class Channel {
 
   const uint32_t m_handle;
   const VRX_ERR_HANDLER m_handler;
+  ErrorLog m_errors;
   mutable std::mutex m_mutex;
   Selection m_selection;
   std::unique_ptr<OpenBoard> m_board;

@@ -53,6 +53,10 @@ uint32_t Channel::get_parameter(const CallReport &report, uint32_t id, void *val
   }
   if (!m_board) return report.fail(VRX_ERR_NOT_OPEN, "The handle is not open");
   if (uint32_t status = check_feature(report, id)) return status;
+  if (std::optional<uint32_t> status = get_board_extra(id, value)) {
+    if (*status) return report.fail(*status, "Parameter " + hex(id) + " cannot be read");
+    return VRX_OK;
+  }
   if (std::optional<uint32_t> status = get_computed(id, value)) {
     if (*status) return report.fail(*status, "Parameter " + hex(id) + " cannot be read");
     return VRX_OK;
@@ -201,6 +205,7 @@ uint32_t Channel::set_parameter(const CallReport &report, uint32_t id, void *val
   if (!value) return report.fail(VRX_ERR_NULL_ARGUMENT, "No value pointer for " + hex(id));
   if (uint32_t status = check_feature(report, id)) return status;
   const uint32_t word = word_at(value);
+  if (std::optional<uint32_t> status = set_board_extra(report, id, word)) return *status;
   bool handled = false;
   const uint32_t status = set_special(report, id, word, handled);
   if (handled) return status;

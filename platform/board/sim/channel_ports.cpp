@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "platform/board/sim/channel.h"
+#include "platform/board/sim/faults.h"
+#include "platform/board/sim/self_tests.h"
 
 namespace vrxsim {
 namespace {
@@ -113,8 +115,8 @@ uint32_t Channel::test(const CallReport& report, uint32_t test_id) {
     if (m_board->engine->running()) return report.fail(VRX_ERR_BUSY, "Tests cannot run during acquisition");
   }
   // The memory tests take a moment on a real board too.
-  if (test_id == TestFlash) std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  if (test_id == TestZbt) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  std::this_thread::sleep_for(std::chrono::milliseconds(self_test_duration_ms(test_id)));
+  if (auto status = faults().take_test(test_id)) return report.fail(*status, self_test_failure(test_id));
   return VRX_OK;
 }
 

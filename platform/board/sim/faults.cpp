@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "platform/board/vrx_sdk.h"
+
 namespace vrxsim {
 namespace {
 
@@ -60,8 +62,14 @@ void FaultTable::add_delay(uint32_t delay_ms, uint32_t count) {
   m_delays.push_back({delay_ms, count, count == 0});
 }
 
+void FaultTable::add_test(uint32_t test_id, uint32_t count, uint32_t status) {
+  std::lock_guard lock(m_mutex);
+  if (count > 0) m_tests.push_back({test_id, count, status ? status : VRX_ERR_TEST_FAILED});
+}
+
 void FaultTable::clear() {
   std::lock_guard lock(m_mutex);
+  m_tests.clear();
   m_calls.clear();
   m_parameters.clear();
   m_drops.clear();
@@ -89,6 +97,9 @@ bool FaultTable::load(std::string_view text, std::string& error) {
     } else if (f[0] == "delay" && f.size() == 3) {
       ok = parse_number(f[1], a) && parse_number(f[2], b);
       if (ok) parsed.add_delay(a, b);
+    } else if (f[0] == "test" && f.size() == 4) {
+      ok = parse_number(f[1], a) && parse_number(f[2], b) && parse_number(f[3], c);
+      if (ok) parsed.add_test(a, b, c);
     }
     if (!ok) {
       error = "Bad fault entry '" + std::string(entry) + "'";
@@ -100,6 +111,7 @@ bool FaultTable::load(std::string_view text, std::string& error) {
   m_parameters.insert(m_parameters.end(), parsed.m_parameters.begin(), parsed.m_parameters.end());
   m_drops.insert(m_drops.end(), parsed.m_drops.begin(), parsed.m_drops.end());
   m_delays.insert(m_delays.end(), parsed.m_delays.begin(), parsed.m_delays.end());
+  m_tests.insert(m_tests.end(), parsed.m_tests.begin(), parsed.m_tests.end());
   return true;
 }
 
@@ -140,6 +152,16 @@ uint32_t FaultTable::take_delay_ms() {
   uint32_t ms = front.ms;
   if (!front.forever && --front.remaining == 0) m_delays.erase(m_delays.begin());
   return ms;
+}
+
+std::optional<uint32_t> FaultTable::take_test(uint32_t test_id) {
+  std::lock_guard lock(m_mutex);
+  uint32_t status = 0;
+  bool hit = consume(m_tests, [&](const TestFault& f) {
+    status = f.status;
+    return f.test_id == test_id;
+  });
+  return hit ? std::optional(status) : std::nullopt;
 }
 
 FaultTable& faults() {

@@ -61,8 +61,6 @@ const FormatInfo* info_of(uint32_t format) {
   return &kFormats[format - vrx::kCaptureFormatBase];
 }
 
-uint32_t luma(const Rgb16& p) { return (77u * p.r + 150u * p.g + 29u * p.b) >> 8; }
-
 // 16-bit sample to `bits` and back, by shifting and bit replication.
 uint32_t narrow(uint32_t v16, uint32_t bits) {
   if (bits >= 16) return bits == 32 ? (v16 << 16) | v16 : v16;
@@ -161,6 +159,13 @@ bool is_bayer(uint32_t format) {
   const FormatInfo* f = info_of(format);
   return f && f->layout == Layout::Bayer;
 }
+
+bool is_grey(uint32_t format) {
+  const FormatInfo* f = info_of(format);
+  return f && (f->layout == Layout::Grey || f->layout == Layout::Mono12Packed);
+}
+
+uint32_t luma(const Rgb16& p) { return (77u * p.r + 150u * p.g + 29u * p.b) >> 8; }
 
 void encode_line(uint32_t format, std::span<const Rgb16> pixels, std::span<uint8_t> out,
                  LineContext context) {

@@ -20,6 +20,10 @@ uint32_t line_bytes(uint32_t format, uint32_t width);
 // Significant bits per sample (8 .. 32).
 uint32_t sample_bits(uint32_t format);
 bool is_bayer(uint32_t format);
+// One grey sample per pixel.
+bool is_grey(uint32_t format);
+// The grey level of a colour, on the 16-bit scale.
+uint32_t luma(const Rgb16& pixel);
 
 // Bayer mosaic colour types (0xC0021201 RGGB .. 0xC0021204 BGGR); other values mean RGGB.
 struct LineContext {

@@ -70,6 +70,7 @@ void draw_test_pattern(const PatternGeometry& g, uint64_t frame_number, std::spa
     return;
   std::vector<Rgb16> ramp_line(g.width);
   fill_ramp(ramp_line, frame_number, g.gain);
+  if (g.lut) apply_input_lut(*g.lut, is_grey(g.format), ramp_line);
   const uint32_t parities = is_bayer(g.format) ? 2 : 1;
   std::vector<std::vector<uint8_t>> encoded(parities, std::vector<uint8_t>(bytes));
   for (uint32_t parity = 0; parity < parities; ++parity)

@@ -1,10 +1,12 @@
 // The simulated camera's picture: a colour ramp that moves sideways by four pixels a frame, its
-// brightness scaled by the camera's gain, with the frame number written in the top-left corner
+// brightness scaled by the camera's gain and shaped by the board's input look-up table, with the frame number written in the top-left corner
 // in white digits on black, so that a test (or a person) can tell frames apart.
 #pragma once
 
 #include <cstdint>
 #include <span>
+
+#include "platform/board/sim/input_lut.h"
 
 namespace vrxsim {
 
@@ -15,6 +17,7 @@ struct PatternGeometry {
   uint32_t format = 0;          // capture format code
   uint32_t bayer_type = 0;      // colour type used for Bayer formats
   uint32_t gain = 256;          // brightness x 1/256
+  const InputLut* lut = nullptr;  // the board's input look-up table, if any
 };
 
 // Writes one frame into `out` (height x bytes_per_line bytes).

@@ -10,10 +10,12 @@
  *   vrxsim_fault_drop_events(mask, n)               the next n deliveries lose the bits of `mask`;
  *   vrxsim_fault_delay_events(ms, n)                the next n deliveries wait `ms` first (n = 0:
  *                                                   every delivery, until cleared);
+ *   vrxsim_fault_test(id, 1, 0x810F)                the next run of self-test `id` fails with
+ *                                                   that status (0: VRX_ERR_TEST_FAILED);
  *   vrxsim_fault_clear()                            forgets every fault.
  * The environment variable VRXSIM_FAULTS, read when the first handle is created, holds the same
  * faults as entries separated by ';' (numbers in C notation):
- *   call:VRX_Open:2:0x8107;param:0xC0021100:w:1:0x8103;drop:0x2:10;delay:50:0
+ *   call:VRX_Open:2:0x8107;param:0xC0021100:w:1:0x8103;drop:0x2:10;delay:50:0;test:0xC0050700:1:0
  * vrxsim_fault_load() takes such a text at any time.
  *
  * Other environment variables: VRXSIM_FPS (frames per second of a free-running camera, default
@@ -41,6 +43,7 @@ VRX_API uint32_t vrxsim_fault_parameter(uint32_t parameter, uint32_t directions,
                                         uint32_t status);
 VRX_API uint32_t vrxsim_fault_drop_events(uint32_t event_mask, uint32_t count);
 VRX_API uint32_t vrxsim_fault_delay_events(uint32_t delay_ms, uint32_t count);
+VRX_API uint32_t vrxsim_fault_test(uint32_t test_id, uint32_t count, uint32_t status);
 VRX_API uint32_t vrxsim_fault_load(const char *faults);
 VRX_API void vrxsim_fault_clear(void);
 
@@ -72,6 +75,9 @@ VRX_API void vrxsim_trace_writes(uint32_t on);
 /* Copies up to `capacity` recorded writes, oldest first; *count receives how many there are. */
 VRX_API uint32_t vrxsim_traced_writes(VRXSIM_PARAMETER_WRITE *writes, uint32_t capacity,
                                       uint32_t *count);
+/* Levels of the input lines driven from outside the board (ParamInputPort bits, 1 = high); the
+   board's own loop-back wiring adds to them (io_lines.h). */
+VRX_API uint32_t vrxsim_set_input_lines(uint32_t handle, uint32_t levels);
 
 #ifdef __cplusplus
 }
