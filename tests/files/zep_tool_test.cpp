@@ -15,7 +15,8 @@ struct ToolRun {
 
 ToolRun zep(const std::string &arguments) {
   ToolRun run{};
-  run.output = vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
+  run.output =
+      vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
   return run;
 }
 
@@ -32,19 +33,23 @@ TEST(ZepTool, DemoWritesEveryImageAsBmpTiffAndEps) {
       EXPECT_NE(info.output.find("size:    320 x 240\n"), std::string::npos) << info.output;
     }
   }
-  EXPECT_NE(zep("info " + out + "/grey16.tif").output.find("pixels:  Y16\ndepth:   16 bits per pixel"),
-            std::string::npos);
+  EXPECT_NE(
+      zep("info " + out + "/grey16.tif").output.find("pixels:  Y16\ndepth:   16 bits per pixel"),
+      std::string::npos);
 }
 
 TEST(ZepTool, ConvertsBetweenFormatsAndPixelFormats) {
   TempDir folder;
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
-  const ToolRun to_eps = zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("grey.eps") + " --type Y8");
+  const ToolRun to_eps =
+      zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("grey.eps") + " --type Y8");
   ASSERT_EQ(to_eps.status, 0) << to_eps.output;
   EXPECT_EQ(to_eps.output, folder.file("grey.eps") + ": EPS, 320 x 240, Y8\n");
   const ToolRun info = zep("info " + folder.file("grey.eps"));
-  EXPECT_NE(info.output.find("format:  EPS\nsize:    320 x 240\npixels:  Y8\n"), std::string::npos) << info.output;
-  const ToolRun raw = zep("convert " + folder.file("grey.eps") + " " + folder.file("grey.data") + " --format raw");
+  EXPECT_NE(info.output.find("format:  EPS\nsize:    320 x 240\npixels:  Y8\n"), std::string::npos)
+      << info.output;
+  const ToolRun raw =
+      zep("convert " + folder.file("grey.eps") + " " + folder.file("grey.data") + " --format raw");
   ASSERT_EQ(raw.status, 0) << raw.output;
   EXPECT_EQ(vrc::test::read_file(folder.file("grey.data")).size(), 320u * 240u);
 }
@@ -65,8 +70,10 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"info " + folder.file("notes.txt"), 1, "not a BMP, TIFF, EPS or JPEG file"},
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
       {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|raw"},
-      {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2, "unknown pixel format 'NOPE'"},
-      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "BMP files cannot hold Y16 pixels"},
+      {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2,
+       "unknown pixel format 'NOPE'"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp") + " --type Y16", 1,
+       "BMP files cannot hold Y16 pixels; choose others with --type"},
       {"convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp", 1, "Failed to create file"},
   };
   for (const auto &c : cases) {
@@ -82,7 +89,8 @@ TEST(ZepTool, PrintsEachFailureOnceWithTheLibrarysReason) {
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
   const ToolRun run = zep("convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp");
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.output, "zep: cannot write '/nonexistent/x.bmp': Failed to create file (error 0x10090000)\n");
+  EXPECT_EQ(run.output,
+            "zep: cannot write '/nonexistent/x.bmp': Failed to create file (error 0x10090000)\n");
   const ToolRun missing = zep("info " + folder.file("none.bmp"));
   EXPECT_EQ(missing.output, "zep: " + folder.file("none.bmp") +
                                 ": cannot open the file: Failed to open file (error 0x10090000)\n");
