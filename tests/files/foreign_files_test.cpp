@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 
 namespace {
@@ -69,6 +70,11 @@ class ForeignFiles : public testing::TestWithParam<ForeignFile> {
     const std::string printed = vrc::test::run_command(
         "/usr/bin/python3 " FOREIGN_CORPUS " " + s_folder->file("") + " 2>&1", &status);
     ASSERT_EQ(status, 0) << printed;
+    // Files from other programs seed the fuzzing of the inspection that zep runs before a read.
+    for (const auto &entry : std::filesystem::directory_iterator(s_folder->file(""))) {
+      vrc::test::write_seed("file_inspect_fuzz", entry.path().filename().string(),
+                            vrc::test::read_file(entry.path().string()));
+    }
   }
   static void TearDownTestSuite() { s_folder.reset(); }
 
@@ -194,6 +200,21 @@ TEST_F(ForeignFiles, OneBitTiffIsDescribedButNotConverted) {
         "zep: " + input +
             ": 1-bit images cannot be converted: 1-bit data has no bytes in this image model");
   }
+}
+
+// The EPS reader drops the last colour of a paletted page; zep restores it from the file.
+TEST_F(ForeignFiles, PalettedEpsKeepsItsLastColour) {
+  const std::string bmp = s_folder->file("pillow_palette256.bmp");
+  const std::string eps = s_folder->file("paletted.eps");
+  const std::string back = s_folder->file("paletted_back.bmp");
+  ASSERT_EQ(zep("convert " + bmp + " " + eps).status, 0);
+  const ToolRun convert = zep("convert " + eps + " " + back);
+  ASSERT_EQ(convert.status, 0) << convert.output;
+  EXPECT_EQ(
+      first_line(convert.output),
+      "zep: warning: " + eps +
+          ": EPS colour map: its last colour, which the reader drops, restored after reading");
+  EXPECT_EQ(compare_with_pillow(bmp, back), "same\n");
 }
 
 }  // namespace
