@@ -23,8 +23,6 @@ std::string read_line(std::FILE *file) {
   return text;
 }
 
-bool ends_with(const std::string &text, const char *tail) { return text.ends_with(tail); }
-
 // The integer after `prefix` at the start of `text`, or -1.
 long number_after(const std::string &text, const char *prefix) {
   if (!text.starts_with(prefix)) return -1;
@@ -39,7 +37,7 @@ struct Page {
 
 // The lines of a grey, 1-bit or RGB page after "0 rotate"; false when they are not ours.
 bool read_plain_page(std::FILE *file, Page &page) {
-  if (!read_line(file).starts_with("/picstr ") || !ends_with(read_line(file), " scale"))
+  if (!read_line(file).starts_with("/picstr ") || !read_line(file).ends_with(" scale"))
     return false;
   long depth = -1;
   if (std::sscanf(read_line(file).c_str(), "%ld %ld %ld", &page.width, &page.height, &depth) != 3)
@@ -60,7 +58,7 @@ bool read_plain_page(std::FILE *file, Page &page) {
 // when they are not ours.
 bool read_paletted_page(std::FILE *file, Page &page, Inspection &inspection) {
   page.type = ZEP_PALETTED;
-  if (!ends_with(read_line(file), " scale")) return false;
+  if (!read_line(file).ends_with(" scale")) return false;
   const long last_colour = number_after(read_line(file), "[/Indexed /DeviceRGB ");
   if (last_colour < 0 || last_colour > 255) return false;
   std::string digits;
@@ -112,7 +110,7 @@ bool inspect_eps(std::FILE *file, Inspection &inspection) {
   }
   Page page;
   const bool ours =
-      ends_with(line, " translate") && read_line(file) == "0 rotate" &&
+      line.ends_with(" translate") && read_line(file) == "0 rotate" &&
       (paletted ? read_paletted_page(file, page, inspection) : read_plain_page(file, page)) &&
       page.width >= 0 && page.height >= 0 && page.width <= 0xFFFF && page.height <= 0xFFFF;
   if (!ours) {

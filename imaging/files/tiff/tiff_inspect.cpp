@@ -79,8 +79,8 @@ class TiffFile {
     std::fseek(m_file, position + static_cast<long>(index * size), SEEK_SET);
     return size == 2 ? read_ui16(m_file, m_order) : read_ui32(m_file, m_order);
   }
-  // Value `index` of a SHORT array at `offset`, big-endian whatever the file's order when
-  // `as_read` says so (as the reader reads a colour map).
+  // Value `index` of a SHORT array at `offset`, in the file's byte order or, with `big_endian`,
+  // most significant byte first as the reader reads a colour map.
   uint16_t short_at(uint64_t offset, uint32_t index, bool big_endian) {
     std::fseek(m_file, static_cast<long>(offset + 2 * uint64_t{index}), SEEK_SET);
     return read_ui16(m_file, big_endian ? kOrderMotorola : m_order);
@@ -183,7 +183,8 @@ uint64_t Inspector::check_samples(uint32_t width) {
   const uint32_t photometric = get(kPhotometric, kNone);
   const uint32_t samples = get(kSamplesPerPixel, 1);
   const uint32_t bits = get(kBitsPerSample, 1);
-  for (uint32_t sample = 1; sample < samples; ++sample) {
+  // More samples than RGBA are refused below; only those need to agree in depth.
+  for (uint32_t sample = 1; sample < std::min(samples, 4u); ++sample) {
     if (get(kBitsPerSample, bits, sample) != bits) {
       m_inspection.refuse("TIFF samples of different depths are not supported");
       return 0;
