@@ -8,5 +8,8 @@
 #include "vrcw32/zep_convert.h"
 #include "vrcw32/zep_core.h"
 #include "vrcw32/zep_files.h"
+#include "vrcw32/zep_jpeg.h"
+#include "vrcw32/zep_jpeg_files.h"
+#include "vrcw32/zep_process.h"
 
 #endif

@@ -12,22 +12,27 @@ void usage(FILE *out) {
   const std::string writable = zep_tool::format_list(zep_tool::is_writable, Case::Lower, "|", "|");
   const std::string readable =
       zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " or ");
-  std::fprintf(out,
-               "usage: zep COMMAND [ARGS]\n"
-               "commands:\n"
-               "  info FILE...                 show the format, size, pixel format and depth of "
-               "image files\n"
-               "  convert IN OUT [--format %s] [--type Y8|Y16|RGB24|BGR24|...]\n"
-               "                               read IN (%s, recognised by its content) and\n"
-               "                               write OUT; the format defaults to OUT's extension, "
-               "the\n"
-               "                               pixel format to IN's\n"
-               "  demo [FOLDER]                make images in several pixel formats, print their "
-               "parameters\n"
-               "                               and write them as %s into FOLDER (zep-demo)\n"
-               "  help                         show this text\n",
-               writable.c_str(), readable.c_str(),
-               zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " and ").c_str());
+  std::fprintf(
+      out,
+      "usage: zep COMMAND [ARGS]\n"
+      "commands:\n"
+      "  info FILE...                 show the format, size, pixel format and depth of "
+      "image files;\n"
+      "                               of a JPEG file its sampling, tables and frames\n"
+      "  convert IN OUT [--format %s] [--type Y8|Y16|RGB24|BGR24|...]\n"
+      "                 [--quality Q]\n"
+      "                               read IN (%s, recognised by its content) and\n"
+      "                               write OUT; the format defaults to OUT's extension, "
+      "the\n"
+      "                               pixel format to IN's (JPEG decodes to Y8 or RGB24);\n"
+      "                               Q is the JPEG quality scale, 1 to 400 (16: the\n"
+      "                               standard tables, larger: finer and bigger files)\n"
+      "  demo [FOLDER]                make images in several pixel formats, print their "
+      "parameters\n"
+      "                               and write them as %s into FOLDER (zep-demo)\n"
+      "  help                         show this text\n",
+      writable.c_str(), readable.c_str(),
+      zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " and ").c_str());
 }
 
 }  // namespace

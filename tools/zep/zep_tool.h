@@ -62,10 +62,13 @@ class Image {
   uint32_t m_handle;
 };
 
-// Reads the whole of `path` into `image` as one strip; the library's status.
+// Reads the whole of `path` into `image` as one strip (a JPEG file decoded to Y8 or RGB24); the
+// library's status.
 uint32_t read_whole_image(uint32_t image, const char *path);
-// Writes `image` to `path` in `format`; the library's status.
-uint32_t write_image(uint32_t image, const char *path, uint16_t format);
+// Writes `image` to `path` in `format`, a JPEG file at the quality scale `quality` (the library's
+// default without one); the library's status.
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality = std::nullopt);
 // Whether `format` can store pixels of `type` as they are.
 bool format_accepts(uint16_t format, uint32_t type);
 
@@ -85,6 +88,11 @@ std::optional<uint16_t> route_type(uint16_t format, uint32_t image);
 // grey colour map is first made Y8 in place (so nothing is left to convert when Y8 is wanted);
 // a coloured one asks for the paletted-to-direct conversion when RGB24 is wanted.
 uint16_t conversion_request(uint32_t image, uint16_t type);
+// JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
+// printing what one holds.
+uint32_t read_jpeg(uint32_t image, const char *path);
+uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality);
+int describe_jpeg(const char *path);
 
 int run_demo(int argc, char **argv);
 int run_info(int argc, char **argv);
