@@ -30,6 +30,9 @@ inline void start_library() {
   static const bool started = [] {
     ZEP_Init();
     ZEP_ErrHandlerInstall(nullptr);
+    // The path is built before the clean-up is registered, so that it is destroyed after the
+    // clean-up has run (exit undoes both in the reverse order of their making).
+    static_cast<void>(input_path());
     std::atexit([] { std::remove(input_path().c_str()); });
     return true;
   }();

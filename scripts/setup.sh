@@ -9,6 +9,7 @@ packages=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   qt6-base-dev libgl-dev
   python3 python3-pil libtiff-tools libjpeg-turbo-progs libturbojpeg0-dev ghostscript libyuv-dev
+  imagemagick
 )
 
 # One dpkg query for all packages, so that a machine with everything installed is done at once.

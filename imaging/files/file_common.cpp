@@ -44,6 +44,16 @@ uint32_t check_fits_in_file(const char *function_name, uint64_t needed, uint64_t
   return core::report(function_name, ZEP_ERR_UNEXPECTED, message::kDataPastEnd);
 }
 
+uint32_t check_strip_fits_in_file(const char *function_name, const ZEP_IMAGE &image,
+                                  uint64_t read_bytes, uint64_t available) {
+  const uint64_t strip_bytes = uint64_t{image.lines_this_strip} * image.bytes_per_line;
+  const uint64_t backing =
+      available > UINT64_MAX / kMaxStripExpansion ? UINT64_MAX : available * kMaxStripExpansion;
+  if (strip_bytes > backing && strip_bytes > kMaxUnbackedBytes)
+    return core::report(function_name, ZEP_ERR_UNEXPECTED, message::kDataPastEnd);
+  return check_fits_in_file(function_name, read_bytes, available);
+}
+
 uint32_t allocate_strip(uint32_t handle) {
   uint32_t status = ZEP_image_free_data(handle);
   if (!ZEP_IS_ERROR(status)) status = ZEP_image_malloc_a_strip(handle);

@@ -53,6 +53,17 @@ inline constexpr uint64_t kMaxUnbackedBytes = uint64_t{16} << 20;
 // kMaxUnbackedBytes.
 uint32_t check_fits_in_file(const char *function_name, uint64_t needed, uint64_t available);
 
+// A strip allocated for a file's pixels may exceed the bytes read for it by this factor at most
+// (a 4-bit palette pixel becomes one byte) before the file is taken to describe far more pixels
+// than it holds.
+inline constexpr uint64_t kMaxStripExpansion = 2;
+
+// check_fits_in_file for a header just read into `image`: both the `read_bytes` the reader will
+// take from the file and the strip it will allocate (lines_this_strip x bytes_per_line) must be
+// backed by the file, the strip within kMaxStripExpansion times the file's size.
+uint32_t check_strip_fits_in_file(const char *function_name, const ZEP_IMAGE &image,
+                                  uint64_t read_bytes, uint64_t available);
+
 // Frees the image's data and allocates one zero-filled strip of lines_this_strip lines.
 uint32_t allocate_strip(uint32_t handle);
 

@@ -2,6 +2,7 @@
 // the registry as the C API describes it.
 #include "imaging/files/file_registry.h"
 
+#include "imaging/files/file_inspect.h"
 #include "imaging/files/tiff/tiff_layout.h"
 #include "vrcw32/zep_files.h"
 #include "vrcw32/zep_jpeg_files.h"
@@ -72,10 +73,11 @@ constexpr uint16_t kRawTypes[] = {ZEP_Y8,     ZEP_PALETTED, ZEP_RGB8,   ZEP_RGB1
                                   ZEP_YUV422, ZEP_Y16,      ZEP_XRGB32, ZEP_DATA32, ZEP_HSI};
 
 const FileFormatRow kRows[] = {
-    {ZEP_FILE_BMP, "BMP", "bmp", is_bmp, ZEP_read_BMP_file, write_bmp, kBmpTypes},
+    {ZEP_FILE_BMP, "BMP", "bmp", is_bmp, ZEP_read_BMP_file, write_bmp, kBmpTypes, inspect_bmp},
     {ZEP_FILE_TIFF, "TIFF", "tif tiff", is_tiff, ZEP_read_TIFF_file, ZEP_write_TIFF_file,
-     kTiffTypes},
-    {ZEP_FILE_EPS, "EPS", "eps", is_eps, ZEP_read_EPS_file, ZEP_write_EPS_file, kEpsTypes},
+     kTiffTypes, inspect_tiff},
+    {ZEP_FILE_EPS, "EPS", "eps", is_eps, ZEP_read_EPS_file, ZEP_write_EPS_file, kEpsTypes,
+     inspect_eps},
     // Read into and written from JPEG images (ZEP_JPEG_image_create).
     {ZEP_FILE_JPEG, "JPEG", "jpg jpeg", is_jpeg, read_jpeg, write_jpeg, kJpegTypes},
     {ZEP_FILE_RAW, "RAW", "raw", nullptr, nullptr, ZEP_write_raw_data_file, kRawTypes},

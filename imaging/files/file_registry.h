@@ -10,11 +10,17 @@
 
 namespace vrc::files {
 
+class Inspection;
+
 // A reader or writer of whole files, with the `action` of the file functions.
 using FileFunction = uint32_t (*)(uint32_t handle, uint16_t action);
 
 // True when the stream, positioned at its first byte, starts with the format's signature.
 using Detector = bool (*)(std::FILE *file);
+
+// Looks at a header before it is read, for tools (see file_inspect.h); true when the stream holds
+// the format or a variant of it.
+using Inspector = bool (*)(std::FILE *file, Inspection &inspection);
 
 struct FileFormatRow {
   uint16_t code;                           // ZEP_FILE_*
@@ -25,6 +31,7 @@ struct FileFormatRow {
   FileFunction write;                      // null: no writer
   std::span<const uint16_t> stored_types;  // pixel types whose pixels the writer stores as
                                            // they are (writers refuse others themselves)
+  Inspector inspect = nullptr;             // null: nothing to look at before reading
 };
 
 // Every row. Detection tries the detectors in this order; the signatures exclude one another by

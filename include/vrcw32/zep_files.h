@@ -54,6 +54,28 @@ const ZEP_FILE_FORMAT_INFO *ZEP_file_format_info(uint32_t index);
 /* 1 when ZEP_image_write stores pixels of `type` in `format` as they are, else 0. */
 uint32_t ZEP_file_format_stores_type(uint32_t format, uint32_t type);
 
+/* ---- Inspection: what a file holds beyond what its reader reads ------------------------ */
+
+/* Corrections ZEP_file_fix_up makes to an image just read from the inspected file. */
+#define ZEP_FIX_SWAP_16_BIT 0x1u /* little-endian 16-bit samples: swap each sample's bytes */
+#define ZEP_FIX_INVERT_GREY 0x2u /* WhiteIsZero grey: invert every sample */
+#define ZEP_FIX_COLOUR_MAP 0x4u  /* replace the colour map by the one the file holds */
+
+typedef struct ZEP_FILE_INSPECTION {
+  uint32_t format;          /* ZEP_FILE_* the file is, or resembles (BigTIFF: TIFF); 0 unknown */
+  uint32_t refused;         /* 1: the reader would not read what the file holds; see cause */
+  uint32_t fix_ups;         /* ZEP_FIX_* bits for ZEP_file_fix_up */
+  char cause[160];          /* refusal: what the file holds that cannot be read */
+  char warnings[640];       /* what a read misses or corrects, one line each ending in '\n' */
+  uint8_t colour_map[1024]; /* ZEP_FIX_COLOUR_MAP: entries of red, green, blue, unused */
+} ZEP_FILE_INSPECTION;
+
+/* Looks at the header of the file at `path` as a careful tool does before reading it: fills
+ * *inspection and returns 0, or an error code when the file cannot be opened. */
+uint32_t ZEP_file_inspect(const char *path, ZEP_FILE_INSPECTION *inspection);
+/* Applies the fix-ups of `inspection` to the whole-image strip just read into `handle`. */
+uint32_t ZEP_file_fix_up(uint32_t handle, const ZEP_FILE_INSPECTION *inspection);
+
 /* ---- Detection and dispatch ------------------------------------------------------------- */
 
 /* The format of the file at `path` from its first bytes: 0 (not recognised), 3, 8, 9 or 10, or

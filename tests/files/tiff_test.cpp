@@ -428,4 +428,48 @@ TEST(TiffRead, PixelsPastTheEndAreReadSilentlyAsZeros) {
   }
 }
 
+// A big-endian RGBA file of 8 entries with one strip of `pixel_bytes` bytes right after the
+// BitsPerSample array: 206 bytes in all when the strip holds 88.
+Bytes four_sample_tiff(uint32_t width, uint32_t height, std::size_t pixel_bytes) {
+  constexpr uint32_t kBitsOffset = 8 + 2 + 8 * 12 + 4;
+  BigEndian file;
+  file.u16(0x4D4D).u16(42).u32(8).u16(8);
+  file.entry(256, 3, 1, width).entry(257, 3, 1, height).entry(258, 3, 4, kBitsOffset);
+  file.entry(259, 3, 1, 1).entry(262, 3, 1, 2).entry(273, 4, 1, kBitsOffset + 8);
+  file.entry(277, 3, 1, 4).entry(278, 4, 1, height).u32(0);
+  file.u16(8).u16(8).u16(8).u16(8);
+  for (std::size_t i = 0; i < pixel_bytes; ++i) file.bytes.push_back(uint8_t(i * 7 + 1));
+  return file.bytes;
+}
+
+// 16384 x 4 bytes cut to 16 bits is 0: the lines read are empty, but the strip allocated for
+// them is 4 GiB, which a 206-byte file cannot describe.
+TEST(TiffRead, FourSampleLineCutToSixteenBitsAllocatesNothingTheFileCannotBack) {
+  ErrorCapture errors;
+  TempDir folder;
+  const Bytes bomb = four_sample_tiff(16384, 65000, 88);
+  ASSERT_EQ(bomb.size(), 206u);
+  vrc::test::write_file(folder.file("bomb.tif"), bomb);
+  vrc::test::write_seed("tiff_read_fuzz", "four_samples_16384x65000.tif", bomb);
+  ScopedImage image;
+  EXPECT_EQ(read_tiff(image, folder.file("bomb.tif")), ZEP_ERR_UNEXPECTED);
+  EXPECT_EQ(errors.last().message, "Image data runs past end of file");
+  EXPECT_EQ(ZEP_image_get_ptr(image, ZEP_DATA_PTR), nullptr);
+}
+
+TEST(TiffRead, FourSamplesReadAsRgbx) {
+  ErrorCapture errors;
+  TempDir folder;
+  const Bytes file = four_sample_tiff(5, 3, 60);
+  vrc::test::write_file(folder.file("rgba.tif"), file);
+  vrc::test::write_seed("tiff_read_fuzz", "four_samples_5x3.tif", file);
+  ScopedImage image;
+  ASSERT_EQ(read_tiff(image, folder.file("rgba.tif")), 0u);
+  EXPECT_EQ(get(image, ZEP_IMAGE_TYPE), uint32_t{ZEP_RGBX32});
+  for (uint32_t line = 0; line < 3; ++line) {
+    EXPECT_EQ(vrc::test::line_bytes(image, line, 20),
+              Bytes(file.end() - 60 + 20 * line, file.end() - 40 + 20 * line));
+  }
+}
+
 }  // namespace

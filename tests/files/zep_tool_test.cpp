@@ -17,7 +17,8 @@ struct ToolRun {
 
 ToolRun zep(const std::string &arguments) {
   ToolRun run{};
-  run.output = vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
+  run.output =
+      vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
   return run;
 }
 
@@ -34,19 +35,23 @@ TEST(ZepTool, DemoWritesEveryImageAsBmpTiffEpsAndJpeg) {
       EXPECT_NE(info.output.find("size:    320 x 240\n"), std::string::npos) << info.output;
     }
   }
-  EXPECT_NE(zep("info " + out + "/grey16.tif").output.find("pixels:  Y16\ndepth:   16 bits per pixel"),
-            std::string::npos);
+  EXPECT_NE(
+      zep("info " + out + "/grey16.tif").output.find("pixels:  Y16\ndepth:   16 bits per pixel"),
+      std::string::npos);
 }
 
 TEST(ZepTool, ConvertsBetweenFormatsAndPixelFormats) {
   TempDir folder;
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
-  const ToolRun to_eps = zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("grey.eps") + " --type Y8");
+  const ToolRun to_eps =
+      zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("grey.eps") + " --type Y8");
   ASSERT_EQ(to_eps.status, 0) << to_eps.output;
   EXPECT_EQ(to_eps.output, folder.file("grey.eps") + ": EPS, 320 x 240, Y8\n");
   const ToolRun info = zep("info " + folder.file("grey.eps"));
-  EXPECT_NE(info.output.find("format:  EPS\nsize:    320 x 240\npixels:  Y8\n"), std::string::npos) << info.output;
-  const ToolRun raw = zep("convert " + folder.file("grey.eps") + " " + folder.file("grey.data") + " --format raw");
+  EXPECT_NE(info.output.find("format:  EPS\nsize:    320 x 240\npixels:  Y8\n"), std::string::npos)
+      << info.output;
+  const ToolRun raw =
+      zep("convert " + folder.file("grey.eps") + " " + folder.file("grey.data") + " --format raw");
   ASSERT_EQ(raw.status, 0) << raw.output;
   EXPECT_EQ(vrc::test::read_file(folder.file("grey.data")).size(), 320u * 240u);
 }
@@ -58,24 +63,31 @@ const vrc::test::Bytes kDqt = {0xFF, 0xDB};
 TEST(ZepTool, ConvertsToAndFromJpeg) {
   TempDir folder;
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
-  const ToolRun fine = zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("fine.jpg") + " --quality 64");
+  const ToolRun fine = zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("fine.jpg") +
+                           " --quality 64");
   ASSERT_EQ(fine.status, 0) << fine.output;
   EXPECT_EQ(fine.output, folder.file("fine.jpg") + ": JPEG, 320 x 240, RGB24\n");
-  ASSERT_EQ(zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("coarse.jpeg") + " --quality 8").status, 0);
+  ASSERT_EQ(zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("coarse.jpeg") +
+                " --quality 8")
+                .status,
+            0);
   // The first luminance quantiser is 16 at scale 16: twice that at 8, a quarter at 64.
   const auto first_quantiser = [&](const char *name) {
     const vrc::test::Bytes file = vrc::test::read_file(folder.file(name));
-    const std::size_t dqt = std::search(file.begin(), file.end(), kDqt.begin(), kDqt.end()) - file.begin();
+    const std::size_t dqt =
+        std::search(file.begin(), file.end(), kDqt.begin(), kDqt.end()) - file.begin();
     return dqt + 5 < file.size() ? int{file[dqt + 5]} : -1;
   };
   EXPECT_EQ(first_quantiser("fine.jpg"), 4);
   EXPECT_EQ(first_quantiser("coarse.jpeg"), 32);
   const ToolRun info = zep("info " + folder.file("fine.jpg"));
-  EXPECT_NE(info.output.find("format:  JPEG\nsize:    320 x 240\nsampling: YUV 4:2:2 (Y 2 x 1, U and V 1 x 1)\n"
-                             "tables:  2 quantisation; Huffman DC0 DC1 AC0 AC1\nframes:  1\n"),
+  EXPECT_NE(info.output.find(
+                "format:  JPEG\nsize:    320 x 240\nsampling: YUV 4:2:2 (Y 2 x 1, U and V 1 x 1)\n"
+                "tables:  2 quantisation; Huffman DC0 DC1 AC0 AC1\nframes:  1\n"),
             std::string::npos)
       << info.output;
-  EXPECT_NE(zep("info " + folder.file("d/grey.jpg")).output.find("sampling: grey (1 component)"), std::string::npos);
+  EXPECT_NE(zep("info " + folder.file("d/grey.jpg")).output.find("sampling: grey (1 component)"),
+            std::string::npos);
   const ToolRun back = zep("convert " + folder.file("fine.jpg") + " " + folder.file("back.tif"));
   ASSERT_EQ(back.status, 0) << back.output;
   EXPECT_EQ(back.output, folder.file("back.tif") + ": TIFF, 320 x 240, RGB24\n");
@@ -99,10 +111,14 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"info " + folder.file("notes.txt"), 1, "not a BMP, TIFF, EPS or JPEG file"},
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
       {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|jpeg|raw"},
-      {"convert " + folder.file("d/grey.bmp") + " x.jpg --quality 0", 2, "'0' is not a JPEG quality scale from 1 to 400"},
-      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.jpg"), 1, "JPEG files cannot hold Y16 pixels"},
-      {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2, "unknown pixel format 'NOPE'"},
-      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "BMP files cannot hold Y16 pixels"},
+      {"convert " + folder.file("d/grey.bmp") + " x.jpg --quality 0", 2,
+       "'0' is not a JPEG quality scale from 1 to 400"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.jpg") + " --type Y16", 1,
+       "JPEG files cannot hold Y16 pixels"},
+      {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2,
+       "unknown pixel format 'NOPE'"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp") + " --type Y16", 1,
+       "BMP files cannot hold Y16 pixels; choose others with --type"},
       {"convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp", 1, "Failed to create file"},
   };
   for (const auto &c : cases) {
@@ -118,7 +134,8 @@ TEST(ZepTool, PrintsEachFailureOnceWithTheLibrarysReason) {
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
   const ToolRun run = zep("convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp");
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.output, "zep: cannot write '/nonexistent/x.bmp': Failed to create file (error 0x10090000)\n");
+  EXPECT_EQ(run.output,
+            "zep: cannot write '/nonexistent/x.bmp': Failed to create file (error 0x10090000)\n");
   const ToolRun missing = zep("info " + folder.file("none.bmp"));
   EXPECT_EQ(missing.output, "zep: " + folder.file("none.bmp") +
                                 ": cannot open the file: Failed to open file (error 0x10090000)\n");

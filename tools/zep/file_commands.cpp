@@ -23,6 +23,8 @@ void list_accepted_types(uint16_t format) {
 
 int describe(const char *path) {
   if (!path_fits(path)) return kFailure;
+  ZEP_FILE_INSPECTION inspection;
+  if (!inspect_input(path, inspection)) return kFailure;
   const uint32_t format = ZEP_image_find_file_format(path);
   if (ZEP_IS_ERROR(format)) {
     fail("%s: cannot open the file", path);
@@ -44,6 +46,7 @@ int describe(const char *path) {
     fail("%s: cannot read the %s header", path, format_name(format));
     return kFailure;
   }
+  print_warnings(path, inspection);
   const uint32_t handle = image.handle();
   const uint32_t type = ZEP_image_get_parameter(handle, ZEP_IMAGE_TYPE);
   std::printf("file:    %s\n", path);
@@ -165,22 +168,40 @@ int run_convert(int argc, char **argv) {
     fail("cannot create an image");
     return kFailure;
   }
-  if (ZEP_IS_ERROR(read_whole_image(source.handle(), request->input))) {
+  ZEP_FILE_INSPECTION inspection;
+  if (!inspect_input(request->input, inspection)) return kFailure;
+  if (ZEP_IS_ERROR(read_checked_image(source.handle(), request->input, inspection))) {
     fail("cannot read '%s'", request->input);
     return kFailure;
   }
   uint32_t result = source.handle();
   const uint32_t source_type = ZEP_image_get_parameter(source.handle(), ZEP_IMAGE_TYPE);
-  const uint32_t wanted_type = request->type.value_or(source_type);
+  if (source_type == ZEP_Y1) {
+    std::fprintf(stderr,
+                 "zep: %s: 1-bit images cannot be converted: 1-bit data has no bytes in this "
+                 "image model\n",
+                 request->input);
+    return kFailure;
+  }
+  uint32_t wanted_type = request->type.value_or(source_type);
+  if (!request->type && !format_accepts(*request->format, source_type)) {
+    if (const std::optional<uint16_t> route = route_type(*request->format, source.handle())) {
+      wanted_type = *route;
+      std::fprintf(stderr,
+                   "zep: warning: %s: %s files cannot hold %s pixels; converting them to %s\n",
+                   request->input, format_name(*request->format), type_name(source_type),
+                   type_name(wanted_type));
+    }
+  }
   if (!format_accepts(*request->format, wanted_type)) {
     std::fprintf(stderr, "zep: %s files cannot hold %s pixels; choose others with --type\n",
                  format_name(*request->format), type_name(wanted_type));
     list_accepted_types(*request->format);
     return kFailure;
   }
-  if (wanted_type != source_type) {
-    if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(),
-                                       static_cast<uint16_t>(wanted_type), 0,
+  const uint16_t asked = conversion_request(source.handle(), static_cast<uint16_t>(wanted_type));
+  if (ZEP_image_get_parameter(source.handle(), ZEP_IMAGE_TYPE) != wanted_type) {
+    if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(), asked, 0,
                                        ZEP_MODE_NEXT_STRIP))) {
       fail("cannot convert %s pixels to %s", type_name(source_type), type_name(wanted_type));
       return kFailure;

@@ -72,6 +72,22 @@ uint32_t write_image(uint32_t image, const char *path, uint16_t format,
 // Whether `format` can store pixels of `type` as they are.
 bool format_accepts(uint16_t format, uint32_t type);
 
+// Inspects `path` before it is read: false, with the cause printed, when zep refuses the file.
+bool inspect_input(const char *path, ZEP_FILE_INSPECTION &inspection);
+// Prints the inspection's warnings as "zep: warning: PATH: ...".
+void print_warnings(const char *path, const ZEP_FILE_INSPECTION &inspection);
+// read_whole_image, then the inspection's warnings printed and its corrections made.
+uint32_t read_checked_image(uint32_t image, const char *path,
+                            const ZEP_FILE_INSPECTION &inspection);
+
+// The pixel format to convert `image` to for `format` when the format cannot hold its own:
+// Y8 for Y16 and grey-mapped paletted images, otherwise RGB24; none when the format holds
+// neither.
+std::optional<uint16_t> route_type(uint16_t format, uint32_t image);
+// The type to ask ZEP_image_convert for to turn `image` into `type`. A paletted image with a
+// grey colour map is first made Y8 in place (so nothing is left to convert when Y8 is wanted);
+// a coloured one asks for the paletted-to-direct conversion when RGB24 is wanted.
+uint16_t conversion_request(uint32_t image, uint16_t type);
 // JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
 // printing what one holds.
 uint32_t read_jpeg(uint32_t image, const char *path);

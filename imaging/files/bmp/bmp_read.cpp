@@ -124,7 +124,7 @@ uint32_t read_bmp(uint32_t handle, uint16_t action) {
   const uint32_t bits = image->type == ZEP_PALETTED ? 8 : 24;
   const uint64_t needed =
       data_offset(bits) + uint64_t{image->height} * row_bytes(image->width, bits);
-  if (const uint32_t status = check_fits_in_file(kReadName, needed, file.size());
+  if (const uint32_t status = check_strip_fits_in_file(kReadName, *image, needed, file.size());
       status != ZEP_OK) {
     return status;
   }
