@@ -119,7 +119,7 @@ TEST(PanelScript, ErrorLinesNeverStopAScriptAndReportsComeFirst) {
                      "ok 0",
                      "ok 2",
                      R"(ok \{"acquired": 0, "painted": 0, "dropped": 0, "fps": [0-9.]+\})",
-                     "error this panel has no sequence saving: its Display page does not offer it",
+                     "ok",
                      "error usage: save-sequence FIRST LAST",
                      "error usage: select ID INDEX\\|\"TEXT\"",
                      "ok"});
