@@ -8,5 +8,6 @@
 #include "vrcw32/zep_convert.h"
 #include "vrcw32/zep_core.h"
 #include "vrcw32/zep_files.h"
+#include "vrcw32/zep_mraw.h"
 
 #endif
