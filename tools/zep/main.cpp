@@ -19,7 +19,16 @@ void usage(FILE *out) {
       "                               pixel format to IN's\n"
       "  demo [FOLDER]                make images in several pixel formats, print their "
       "parameters\n"
-      "                               and write them as BMP, TIFF and EPS into FOLDER (zep-demo)\n"
+      "                               and write them as BMP, TIFF and EPS into FOLDER (zep-demo),\n"
+      "                               with a numbered sequence seq001.tif ... seq012.tif\n"
+      "  seq info FILE [--frames]     show a sequence file's format, frame count, size and pixel\n"
+      "                               format; --frames lists each frame's number, time stamp and\n"
+      "                               size\n"
+      "  seq extract FILE N OUT       write frame N (from 1) as the image file OUT\n"
+      "  seq pack OUT.mraw IN...      make a sequence file of image files of one size (frames are\n"
+      "                               converted to the first one's pixel format)\n"
+      "  seq unpack FILE PREFIX.ext   write every frame as PREFIX001.ext, PREFIX002.ext, ...\n"
+      "                               (seq commands show progress on a terminal unless --quiet)\n"
       "  help                         show this text\n");
 }
 
@@ -39,6 +48,7 @@ int main(int argc, char **argv) {
   if (command == "demo") return zep_tool::run_demo(argc - 2, argv + 2);
   if (command == "info") return zep_tool::run_info(argc - 2, argv + 2);
   if (command == "convert") return zep_tool::run_convert(argc - 2, argv + 2);
+  if (command == "seq") return zep_tool::run_seq(argc - 2, argv + 2);
   std::fprintf(stderr, "zep: unknown command '%s'\n", argv[1]);
   usage(stderr);
   return zep_tool::kUsage;

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace zep_tool {
@@ -52,7 +53,10 @@ uint32_t write_image(uint32_t image, const char *path, uint16_t format);
 bool format_accepts(uint16_t format, uint32_t type);
 
 int run_demo(int argc, char **argv);
+// Writes the demo's numbered sequence seq001.tif ... into `folder`.
+bool write_demo_sequence(const std::string &folder);
 int run_info(int argc, char **argv);
 int run_convert(int argc, char **argv);
+int run_seq(int argc, char **argv);
 
 }  // namespace zep_tool
