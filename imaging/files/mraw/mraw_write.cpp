@@ -112,6 +112,9 @@ uint32_t ZEP_MRAW_Create(uint32_t *handle_out, const char *path) {
       release_slot(*slot);
       return report(kCreateName, ZEP_ERR_OPEN, message::kCreateFailed);
     }
+    // Frames go straight from the image's buffer to the file, without a copy through a stdio
+    // buffer; each header and frame is one write.
+    std::setvbuf(slot->record.file, nullptr, _IONBF, 0);
     return ZEP_OK;
   });
 }
