@@ -526,6 +526,25 @@ TEST(MrawMalformedFrames, AMisnumberedMiddleFrameFailsAloneAndTheReadStaysWhereI
   EXPECT_EQ(vrc::test::strip_bytes(image), strips[2]);
 }
 
+// Well-formed seeds for the fuzz target: one, three and five frames in three pixel formats.
+TEST(MrawFuzzSeeds, WrittenForTheReader) {
+  ErrorCapture errors;
+  TempDir folder;
+  const struct {
+    const char *name;
+    uint16_t type;
+    uint32_t width, height, frames;
+  } seeds[] = {{"y8_three_frames.mraw", ZEP_Y8, 4, 2, 3},
+               {"rgb24_one_frame.mraw", ZEP_RGB24, 5, 3, 1},
+               {"y16_five_frames.mraw", ZEP_Y16, 3, 3, 5}};
+  for (const auto &seed : seeds) {
+    const std::string path = folder.file(seed.name);
+    write_sequence(path, seed.type, seed.width, seed.height, seed.frames);
+    vrc::test::write_seed(kFuzzTarget, seed.name, vrc::test::read_file(path));
+  }
+  EXPECT_EQ(errors.count(), 0u);
+}
+
 // ---- Refused calls leave the file whole --------------------------------------------------
 
 struct Refusal {
