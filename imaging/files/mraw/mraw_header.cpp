@@ -1,5 +1,6 @@
 // Building and reading the two MRAW headers. Readers never trust a stored length: a per-file
 // header must hold every field and fit its buffer, a per-image header likewise.
+#include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
 #include "imaging/files/mraw/mraw_layout.h"
 #include "imaging/files/mraw/mraw_slots.h"
@@ -67,7 +68,7 @@ uint32_t ZEP_MRAW_HeaderPerFile_Read(const char *function_name, ZEP_MRAW_RECORD 
     return core::report(function_name, ZEP_ERR_UNEXPECTED, message::kPerFileTruncated);
   record.header_per_file_length = length;
 
-  ZEP_IMAGE *target = static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
+  ZEP_IMAGE *target = core::image_record(image);
   if (target == nullptr)
     return core::report(function_name, ZEP_ERR_CORRUPT, message::kInvalidImage);
   target->type = ZEP_mget_ui16m(header + per_file::kType);
