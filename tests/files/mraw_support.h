@@ -61,4 +61,19 @@ class ScopedMraw {
   uint32_t handle = 0;
 };
 
+// A sequence written to a temporary folder and opened for reading, with reports recorded.
+struct OpenedSequence {
+  OpenedSequence(uint16_t type, uint32_t width, uint32_t height, uint32_t frames)
+      : strips(write_sequence(path, type, width, height, frames)) {
+    EXPECT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
+  }
+  uint32_t handle() const { return mraw.handle; }
+
+  ErrorCapture errors;
+  TempDir folder;
+  const std::string path = folder.file("sequence.mraw");
+  const std::vector<Bytes> strips;
+  ScopedMraw mraw;
+};
+
 }  // namespace vrc::test

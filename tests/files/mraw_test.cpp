@@ -20,6 +20,7 @@ using vrc::test::BadFile;
 using vrc::test::Bytes;
 using vrc::test::ErrorCapture;
 using vrc::test::mraw_info;
+using vrc::test::OpenedSequence;
 using vrc::test::ScopedImage;
 using vrc::test::ScopedMraw;
 using vrc::test::TempDir;
@@ -134,14 +135,11 @@ TEST_F(MrawLayout, PerImageHeaderCarriesNumberTimeStrideAndUserFields) {
   EXPECT_EQ(read.header_per_image_length, 320u);
 }
 
-TEST_F(MrawLayout, WritesStampTheCurrentTimeUnlessTheCallerSetsIt) {
-  const std::string path = folder.file("time.mraw");
+TEST(MrawTime, WritesStampTheCurrentTimeUnlessTheCallerSetsIt) {
   const int64_t before = std::time(nullptr);
-  write_sequence(path, ZEP_Y8, 2, 2, 2);
+  const OpenedSequence sequence(ZEP_Y8, 2, 2, 2);
   const int64_t after = std::time(nullptr);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
-  const int64_t stamp = mraw_info(mraw.handle).time_stamp;
+  const int64_t stamp = mraw_info(sequence.handle()).time_stamp;
   EXPECT_GE(stamp, before & 0xFFFFFFFF);
   EXPECT_LE(stamp, after & 0xFFFFFFFF);
 }
@@ -224,35 +222,36 @@ INSTANTIATE_TEST_SUITE_P(EveryPixelFormat, MrawRoundTrip,
                                          ZEP_DCT32_B, ZEP_DATA16_A, ZEP_DATA16_B, ZEP_DATA16_C,
                                          ZEP_HSI));
 
-TEST(MrawRoundTrip, ALockedCallerBufferReceivesTheFrameAndASmallOneIsLeftAlone) {
-  ErrorCapture errors;
-  TempDir folder;
-  const std::string path = folder.file("locked.mraw");
-  const std::vector<Bytes> strips = write_sequence(path, ZEP_Y16, 6, 4, 2);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
-
-  ScopedImage image;
-  ZEP_ImageMake(image, 6, 4, ZEP_Y16, 0);
-  std::vector<uint8_t> buffer(48, 0xEE);
+// Makes a width x height image of `type` whose strip is the caller's `buffer`, locked.
+void attach_locked(uint32_t image, uint32_t width, uint32_t height, uint16_t type,
+                   std::vector<uint8_t> &buffer) {
+  ZEP_ImageMake(image, width, height, type, 0);
+  ZEP_image_free_data(image);
   ZEP_image_set_ptr(image, ZEP_DATA_PTR, buffer.data());
   ZEP_image_set_flags(image, ZEP_FLAG_LOCKED, 1);
-  ASSERT_EQ(ZEP_MRAW_ImageRead(mraw.handle, image, 2), 0u);
+}
+
+TEST(MrawRoundTrip, ALockedCallerBufferReceivesTheFrameAndASmallOneIsLeftAlone) {
+  const OpenedSequence sequence(ZEP_Y16, 6, 4, 2);
+  const uint32_t mraw = sequence.handle();
+  const std::vector<Bytes> &strips = sequence.strips;
+
+  ScopedImage image;
+  std::vector<uint8_t> buffer(48, 0xEE);
+  attach_locked(image, 6, 4, ZEP_Y16, buffer);
+  ASSERT_EQ(ZEP_MRAW_ImageRead(mraw, image, 2), 0u);
   EXPECT_EQ(ZEP_image_get_ptr(image, ZEP_DATA_PTR), buffer.data());
   EXPECT_EQ(ZEP_image_get_flags(image, ZEP_FLAG_LOCKED), 1u);
   EXPECT_EQ(buffer, strips[1]);
 
   ScopedImage small;
-  ZEP_ImageMake(small, 2, 2, ZEP_Y8, 0);
   std::vector<uint8_t> small_buffer(4, 0xEE);
-  ZEP_image_set_ptr(small, ZEP_DATA_PTR, small_buffer.data());
-  ZEP_image_set_flags(small, ZEP_FLAG_LOCKED, 1);
-  ASSERT_EQ(ZEP_MRAW_ImageRead(mraw.handle, small, 1), 0u);
+  attach_locked(small, 2, 2, ZEP_Y8, small_buffer);
+  ASSERT_EQ(ZEP_MRAW_ImageRead(mraw, small, 1), 0u);
   EXPECT_EQ(small_buffer, Bytes(4, 0xEE));
   EXPECT_NE(ZEP_image_get_ptr(small, ZEP_DATA_PTR), small_buffer.data());
   EXPECT_EQ(vrc::test::strip_bytes(small), strips[0]);
-  ZEP_image_set_flags(image, ZEP_FLAG_LOCKED, 1);  // destroy frees even locked data: detach it
-  ZEP_image_set_ptr(image, ZEP_DATA_PTR, nullptr);
+  ZEP_image_set_ptr(image, ZEP_DATA_PTR, nullptr);  // destroy frees even locked data
 }
 
 // ---- Positioning -------------------------------------------------------------------------
@@ -272,17 +271,12 @@ struct Walk {
 
 void PrintTo(const Walk &walk, std::ostream *out) { *out << walk.name; }
 
-class MrawPositioning : public testing::TestWithParam<Walk> {
- protected:
-  ErrorCapture errors;
-  TempDir folder;
-};
+class MrawPositioning : public testing::TestWithParam<Walk> {};
 
 TEST_P(MrawPositioning, ReadsTheFrameTheRulesName) {
-  const std::string path = folder.file("walk.mraw");
-  const std::vector<Bytes> strips = write_sequence(path, ZEP_RGB16, 3, 2, 5);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
+  const OpenedSequence sequence(ZEP_RGB16, 3, 2, 5);
+  const ScopedMraw &mraw = sequence.mraw;
+  const std::vector<Bytes> &strips = sequence.strips;
   ScopedImage image;
   for (const Step &step : GetParam().steps) {
     if (step.kind == Step::kSkip) {
@@ -315,12 +309,9 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Walk> &info) { return std::string(info.param.name); });
 
 TEST(MrawPositioningEdges, AOneFrameFileIsBothFirstAndLast) {
-  ErrorCapture errors;
-  TempDir folder;
-  const std::string path = folder.file("one.mraw");
-  const std::vector<Bytes> strips = write_sequence(path, ZEP_Y8, 4, 4, 1);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
+  const OpenedSequence sequence(ZEP_Y8, 4, 4, 1);
+  const ScopedMraw &mraw = sequence.mraw;
+  const std::vector<Bytes> &strips = sequence.strips;
   EXPECT_EQ(mraw_info(mraw.handle).frame_count, 1u);
   EXPECT_EQ(mraw_info(mraw.handle).frame_number, 1u);
   ScopedImage image;
@@ -331,12 +322,10 @@ TEST(MrawPositioningEdges, AOneFrameFileIsBothFirstAndLast) {
 }
 
 TEST(MrawPositioningEdges, SkipsOutsideTheFileAreRefusedAndChangeNothing) {
-  ErrorCapture errors;
-  TempDir folder;
-  const std::string path = folder.file("skip.mraw");
-  const std::vector<Bytes> strips = write_sequence(path, ZEP_Y8, 4, 4, 3);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
+  const OpenedSequence sequence(ZEP_Y8, 4, 4, 3);
+  const ScopedMraw &mraw = sequence.mraw;
+  const std::vector<Bytes> &strips = sequence.strips;
+  const ErrorCapture &errors = sequence.errors;
   EXPECT_EQ(ZEP_MRAW_SkipFrames(mraw.handle, -2), ZEP_ERR_BAD_PARAM);
   EXPECT_EQ(errors.last().message, "Frame position outside the file");
   EXPECT_EQ(ZEP_MRAW_SkipFrames(mraw.handle, 3), ZEP_ERR_BAD_PARAM);
@@ -672,18 +661,13 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Refusal> &info) { return std::string(info.param.name); });
 
 TEST(MrawReaderRefusals, WritingToAReaderIsRefused) {
-  ErrorCapture errors;
-  TempDir folder;
-  const std::string path = folder.file("r.mraw");
-  write_sequence(path, ZEP_Y8, 2, 2, 2);
-  const vrc::test::Bytes before = vrc::test::read_file(path);
-  ScopedMraw mraw;
-  ASSERT_EQ(ZEP_MRAW_Open(&mraw.handle, path.c_str()), 0u);
+  const OpenedSequence sequence(ZEP_Y8, 2, 2, 2);
+  const Bytes before = vrc::test::read_file(sequence.path);
   ScopedImage image;
   ZEP_ImageMake(image, 2, 2, ZEP_Y8, 0);
-  EXPECT_EQ(ZEP_MRAW_ImageWrite(mraw.handle, image), ZEP_ERR_STATE);
-  EXPECT_EQ(errors.last().message, "MRAW file is open for reading");
-  EXPECT_EQ(vrc::test::read_file(path), before);
+  EXPECT_EQ(ZEP_MRAW_ImageWrite(sequence.handle(), image), ZEP_ERR_STATE);
+  EXPECT_EQ(sequence.errors.last().message, "MRAW file is open for reading");
+  EXPECT_EQ(vrc::test::read_file(sequence.path), before);
 }
 
 // Under a file-size limit that stops the third 4096-byte frame half-way, writes until a write

@@ -2,6 +2,7 @@
 // described, unpacked and extracted again with the same pixels; and the messages and exit
 // statuses of mistakes.
 #include "files/mraw_support.h"
+#include "files/zep_run.h"
 
 #include <gtest/gtest.h>
 
@@ -14,17 +15,8 @@ using vrc::test::Bytes;
 using vrc::test::ScopedImage;
 using vrc::test::TempDir;
 
-struct ToolRun {
-  int status;
-  std::string output;  // standard output and standard error
-};
-
-ToolRun zep(const std::string &arguments) {
-  ToolRun run{};
-  run.output =
-      vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
-  return run;
-}
+using vrc::test::ToolRun;
+using vrc::test::zep;
 
 // The pixels of an image file, read whole through the library.
 Bytes pixels_of(const std::string &path) {

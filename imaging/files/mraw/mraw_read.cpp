@@ -215,18 +215,14 @@ uint32_t skip_frames(Slot &slot, int32_t count) {
 
 using namespace vrc::files::mraw;
 using vrc::core::api_guard;
-using vrc::core::report;
 
 extern "C" {
 
 uint32_t ZEP_MRAW_Open(uint32_t *handle_out, const char *path) {
   return api_guard(kOpenName, [&] {
-    if (handle_out == nullptr || path == nullptr)
-      return report(kOpenName, ZEP_ERR_BAD_PARAM, message::kNullArgument);
     Slot *slot = nullptr;
-    uint32_t status = allocate_slot(kOpenName, path, Mode::Reading, slot);
+    uint32_t status = allocate_slot(kOpenName, handle_out, path, Mode::Reading, slot);
     if (ZEP_IS_ERROR(status)) return status;
-    *handle_out = slot->record.handle;
     bool keep_slot = false;
     status = open_frames(*slot, path, keep_slot);
     if (ZEP_IS_ERROR(status) && !keep_slot) {

@@ -6,6 +6,7 @@
 #include "imaging/core/library_hooks.h"
 #include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
+#include "imaging/files/file_common.h"
 
 #include <array>
 #include <cstdio>
@@ -29,7 +30,10 @@ const bool registered = core::register_startup(&start_table);
 
 }  // namespace
 
-uint32_t allocate_slot(const char *function_name, const char *path, Mode mode, Slot *&slot) {
+uint32_t allocate_slot(const char *function_name, uint32_t *handle_out, const char *path, Mode mode,
+                       Slot *&slot) {
+  if (handle_out == nullptr || path == nullptr)
+    return core::report(function_name, ZEP_ERR_BAD_PARAM, message::kNullArgument);
   core::ensure_initialised();  // so that start-up cannot clear the slot taken here
   core::LibraryLock lock;
   for (uint32_t handle = 1; handle < ZEP_MRAW_HANDLES; ++handle) {
@@ -43,6 +47,7 @@ uint32_t allocate_slot(const char *function_name, const char *path, Mode mode, S
     record.in_use = 1;
     candidate.mode = mode;
     slot = &candidate;
+    *handle_out = handle;
     return ZEP_OK;
   }
   return core::report(function_name, ZEP_ERR_NO_HANDLES | 9, message::kNoHandles);
@@ -91,7 +96,9 @@ uint32_t ZEP_MRAW_Close(uint32_t handle) {
   return api_guard(kCloseName, [&] {
     Slot *slot = slot_in_use(handle);
     if (slot == nullptr) return ZEP_ERR_BAD_PARAM;
-    return release_slot(*slot) ? ZEP_OK : report(kCloseName, ZEP_ERR_CLOSE, message::kCloseFailed);
+    return release_slot(*slot)
+               ? ZEP_OK
+               : report(kCloseName, ZEP_ERR_CLOSE, vrc::files::message::kCloseFailed);
   });
 }
 

@@ -8,13 +8,13 @@
 
 namespace vrc::files::mraw {
 
+// "Failed to create file" and "Failed to close file" are the file functions' own
+// (files::message).
 namespace message {
 inline constexpr char kNoHandles[] = "Run out of MRAW handles";
-inline constexpr char kCreateFailed[] = "Failed to create file";
 inline constexpr char kOpenFailed[] = "Failed to open MRAW file";
 inline constexpr char kNotMraw[] = "The file is not recognised as a valid ZEP MRAW file.";
 inline constexpr char kInvalidImage[] = "Invalid ZEP image";
-inline constexpr char kCloseFailed[] = "Failed to close file";
 inline constexpr char kNullArgument[] = "Null argument";
 // Malformed files.
 inline constexpr char kPerFileTruncated[] = "MRAW per-file header is truncated";
@@ -44,9 +44,11 @@ struct Slot {
   uint64_t file_bytes;  // length of a file being read
 };
 
-// Under the library lock, takes the lowest free slot, clears it, marks it in use and stores
-// `path` (cut to the name field). Reports "Run out of MRAW handles" when none is free.
-uint32_t allocate_slot(const char *function_name, const char *path, Mode mode, Slot *&slot);
+// Under the library lock, takes the lowest free slot, clears it, marks it in use, stores `path`
+// (cut to the name field) and the handle in `handle_out`. Reports null arguments, and "Run out
+// of MRAW handles" when no slot is free.
+uint32_t allocate_slot(const char *function_name, uint32_t *handle_out, const char *path, Mode mode,
+                       Slot *&slot);
 
 // The slot of a handle in use, or null for 0, 9 and above, or a free slot.
 Slot *slot_in_use(uint32_t handle);

@@ -3,6 +3,7 @@
 // at its own frame and cut off again: a file already written keeps its whole frames.
 #include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
+#include "imaging/files/file_common.h"
 #include "imaging/files/mraw/mraw_layout.h"
 #include "imaging/files/mraw/mraw_slots.h"
 #include "vrcw32/zep_convert.h"
@@ -101,16 +102,13 @@ extern "C" {
 
 uint32_t ZEP_MRAW_Create(uint32_t *handle_out, const char *path) {
   return api_guard(kCreateName, [&] {
-    if (handle_out == nullptr || path == nullptr)
-      return report(kCreateName, ZEP_ERR_BAD_PARAM, message::kNullArgument);
     Slot *slot = nullptr;
-    const uint32_t status = allocate_slot(kCreateName, path, Mode::Writing, slot);
+    const uint32_t status = allocate_slot(kCreateName, handle_out, path, Mode::Writing, slot);
     if (ZEP_IS_ERROR(status)) return status;
-    *handle_out = slot->record.handle;
     slot->record.file = std::fopen(path, "wb");
     if (slot->record.file == nullptr) {
       release_slot(*slot);
-      return report(kCreateName, ZEP_ERR_OPEN, message::kCreateFailed);
+      return report(kCreateName, ZEP_ERR_OPEN, vrc::files::message::kCreateFailed);
     }
     // Frames go straight from the image's buffer to the file, without a copy through a stdio
     // buffer; each header and frame is one write.
