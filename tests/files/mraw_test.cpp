@@ -405,6 +405,12 @@ TEST(MrawHandles, SetInfoKeepsTheSlotsOwnFieldsAndInitLibraryClearsTheTable) {
   ZEP_MRAW_RECORD record{};
   EXPECT_EQ(ZEP_MRAW_GetInfo(mraw.handle, &record), ZEP_ERR_BAD_PARAM);
   EXPECT_EQ(ZEP_MRAW_GetInfo(second, &record), ZEP_ERR_BAD_PARAM);
+
+  // The library's start-up clears the table too.
+  ASSERT_EQ(ZEP_MRAW_Create(&second, folder.file("c").c_str()), 0u);
+  EXPECT_EQ(second, 1u);
+  ZEP_Init();
+  EXPECT_EQ(ZEP_MRAW_GetInfo(second, &record), ZEP_ERR_BAD_PARAM);
   mraw.handle = 0;
 }
 

@@ -16,8 +16,12 @@ constexpr auto kRefresh = std::chrono::milliseconds(200);
 Progress::Progress(const char *verb, uint32_t total, bool quiet)
     : m_verb(verb), m_total(total), m_enabled(!quiet && ::isatty(STDERR_FILENO) == 1) {}
 
-Progress::~Progress() {
+Progress::~Progress() { finish(); }
+
+void Progress::finish() {
   if (m_shown) std::fputc('\n', stderr);
+  m_shown = false;
+  m_enabled = false;
 }
 
 void Progress::update(uint32_t done) {

@@ -17,6 +17,8 @@ class Progress {
 
   // Records that `done` frames are finished.
   void update(uint32_t done);
+  // Ends the line, so that what is printed next starts on a line of its own.
+  void finish();
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -131,6 +131,7 @@ int list_frames(SequenceReader &reader, bool quiet) {
                 utc_text(info.time_stamp).c_str(), info.bytes);
     progress.update(number);
   }
+  progress.finish();
   return kSuccess;
 }
 
@@ -252,6 +253,7 @@ int seq_pack(const SeqRequest &request) {
       std::fprintf(stderr, "zep: cannot add '%s' to '%s'\n", input, output);
     progress.update(index + 1);
   }
+  progress.finish();
   uint32_t held = 0;
   if (!writer->finish(held) || !packed) {
     std::remove(output);
@@ -310,6 +312,7 @@ int seq_unpack(const SeqRequest &request) {
     if (!write_frame_file(frame.handle(), path)) return kFailure;
     progress.update(number);
   }
+  progress.finish();
   std::printf("%s: %u frames written as %s%0*u%s ... %s%0*u%s\n", request.files[0], count,
               pattern.substr(0, dot).c_str(), digits, 1u, pattern.substr(dot).c_str(),
               pattern.substr(0, dot).c_str(), digits, count, pattern.substr(dot).c_str());
