@@ -306,7 +306,7 @@ INSTANTIATE_TEST_SUITE_P(
                          {{S, 2, 1}, {R, 0, 4}, {S, -3, 4}, {R, 0, 2}, {S, 1, 2}, {R, 0, 4}}},
                     Walk{"next_after_the_last_is_the_last_even_after_a_skip_back",
                          {{R, 0, 2}, {R, 0, 3}, {R, 0, 4}, {R, 0, 5}, {S, -2, 5}, {R, 0, 5}}}),
-    [](const testing::TestParamInfo<Walk> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<Walk> &walk) { return std::string(walk.param.name); });
 
 TEST(MrawPositioningEdges, AOneFrameFileIsBothFirstAndLast) {
   const OpenedSequence sequence(ZEP_Y8, 4, 4, 1);
@@ -664,7 +664,7 @@ INSTANTIATE_TEST_SUITE_P(
                 ZEP_ERR_STATE, "MRAW file is open for writing"},
         Refusal{"skip_in_a_writer", [](uint32_t h) { return ZEP_MRAW_SkipFrames(h, -1); },
                 ZEP_ERR_STATE, "MRAW file is open for writing"}),
-    [](const testing::TestParamInfo<Refusal> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<Refusal> &refusal) { return std::string(refusal.param.name); });
 
 TEST(MrawReaderRefusals, WritingToAReaderIsRefused) {
   const OpenedSequence sequence(ZEP_Y8, 2, 2, 2);
