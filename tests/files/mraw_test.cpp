@@ -7,9 +7,7 @@
 
 #include <sys/resource.h>
 
-#include <algorithm>
 #include <csignal>
-#include <cstddef>
 #include <cstring>
 #include <ctime>
 #include <functional>
@@ -142,39 +140,6 @@ TEST(MrawTime, WritesStampTheCurrentTimeUnlessTheCallerSetsIt) {
   const int64_t stamp = mraw_info(sequence.handle()).time_stamp;
   EXPECT_GE(stamp, before & 0xFFFFFFFF);
   EXPECT_LE(stamp, after & 0xFFFFFFFF);
-}
-
-// The handle record keeps its fields in their defined order and widths.
-TEST(MrawRecord, FieldsInTheirOrder) {
-  const std::size_t offsets[] = {offsetof(ZEP_MRAW_RECORD, handle),
-                                 offsetof(ZEP_MRAW_RECORD, self),
-                                 offsetof(ZEP_MRAW_RECORD, file_name),
-                                 offsetof(ZEP_MRAW_RECORD, file),
-                                 offsetof(ZEP_MRAW_RECORD, frame_count),
-                                 offsetof(ZEP_MRAW_RECORD, image),
-                                 offsetof(ZEP_MRAW_RECORD, image_handle),
-                                 offsetof(ZEP_MRAW_RECORD, frame_number),
-                                 offsetof(ZEP_MRAW_RECORD, time_stamp),
-                                 offsetof(ZEP_MRAW_RECORD, frame_stride),
-                                 offsetof(ZEP_MRAW_RECORD, user_value),
-                                 offsetof(ZEP_MRAW_RECORD, user_block1),
-                                 offsetof(ZEP_MRAW_RECORD, user_block2),
-                                 offsetof(ZEP_MRAW_RECORD, header_per_file_length),
-                                 offsetof(ZEP_MRAW_RECORD, header_per_image_length),
-                                 offsetof(ZEP_MRAW_RECORD, header_per_file),
-                                 offsetof(ZEP_MRAW_RECORD, header_per_image),
-                                 offsetof(ZEP_MRAW_RECORD, width),
-                                 offsetof(ZEP_MRAW_RECORD, height),
-                                 offsetof(ZEP_MRAW_RECORD, is_colour),
-                                 offsetof(ZEP_MRAW_RECORD, user_time),
-                                 offsetof(ZEP_MRAW_RECORD, in_use)};
-  EXPECT_TRUE(std::is_sorted(std::begin(offsets), std::end(offsets)));
-  const ZEP_MRAW_RECORD record{};
-  EXPECT_EQ(sizeof record.file_name, 256u);
-  EXPECT_EQ(sizeof record.time_stamp, 8u);
-  EXPECT_EQ(sizeof record.user_value, 12u);
-  EXPECT_EQ(sizeof record.user_block1 + sizeof record.user_block2, 256u);
-  EXPECT_EQ(sizeof record.header_per_file + sizeof record.header_per_image, 1024u);
 }
 
 // ---- Round trips -------------------------------------------------------------------------
