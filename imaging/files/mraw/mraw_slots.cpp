@@ -126,6 +126,7 @@ uint32_t ZEP_MRAW_SetInfo(uint32_t handle, const ZEP_MRAW_RECORD *record) {
     copy.file = kept.file;
     copy.in_use = kept.in_use;
     copy.file_name[ZEP_MRAW_FILE_NAME_LENGTH - 1] = '\0';
+    vrc::core::LibraryLock lock;  // allocation reads the in-use word under the lock
     kept = copy;
     return ZEP_OK;
   });

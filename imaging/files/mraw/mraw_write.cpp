@@ -2,6 +2,7 @@
 // strip, written straight from the image's buffer and flushed, so that a failing write is found
 // at its own frame and cut off again: a file already written keeps its whole frames.
 #include "imaging/core/handle_table.h"
+#include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"
 #include "imaging/files/mraw/mraw_layout.h"
@@ -87,6 +88,8 @@ uint32_t write_frame(Slot &slot, uint32_t handle) {
   if (start < 0 || !write_record(next.file, next, first, *image, start))
     return core::report(kWriteName, ZEP_ERR_SYSTEM, message::kWriteFailed);
   next.frame_count = next.frame_number;
+  // The whole record is copied back, in-use word included, which allocation reads under the lock.
+  core::LibraryLock lock;
   slot.record = next;
   return ZEP_OK;
 }
