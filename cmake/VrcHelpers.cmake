@@ -20,11 +20,13 @@ endfunction()
 #                    [LABELS <labels...>])
 # One GoogleTest program per subsystem, registered with CTest under its own name as label plus
 # LABELS (label "threads" marks the programs that CI also runs under ThreadSanitizer).
-# Tests find fuzz seed folders under VRC_SEED_DIR/<fuzz target>.
+# Tests link the imaging library's objects (vrcw32_objects), so they reach its internal headers
+# and functions, which libvrcw32.so does not export. Tests find fuzz seed folders under
+# VRC_SEED_DIR/<fuzz target>.
 function(vrc_add_test_suite)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LIBS;ENV;LABELS" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
-  target_link_libraries(${ARG_NAME} PRIVATE vrcw32 GTest::gtest GTest::gtest_main ${ARG_LIBS})
+  target_link_libraries(${ARG_NAME} PRIVATE vrcw32_objects GTest::gtest GTest::gtest_main ${ARG_LIBS})
   target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${ARG_NAME} PRIVATE VRC_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                              VRC_SEED_DIR="${PROJECT_BINARY_DIR}/fuzz-seeds")
@@ -36,11 +38,12 @@ function(vrc_add_test_suite)
   endif()
 endfunction()
 
-# vrc_add_bench(NAME <name> SOURCES <files...> [LIBS <libs...>])
+# vrc_add_bench(NAME <name> SOURCES <files...> [LIBS <libs...>]): a Google Benchmark program over
+# the imaging library's objects.
 function(vrc_add_bench)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES;LIBS" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
-  target_link_libraries(${ARG_NAME} PRIVATE vrcw32 benchmark::benchmark ${ARG_LIBS})
+  target_link_libraries(${ARG_NAME} PRIVATE vrcw32_objects benchmark::benchmark ${ARG_LIBS})
   target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
   vrc_warnings(${ARG_NAME})
 endfunction()
@@ -49,7 +52,7 @@ endfunction()
 function(vrc_add_fuzz)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES" ${ARGN})
   add_executable(${ARG_NAME} ${ARG_SOURCES})
-  target_link_libraries(${ARG_NAME} PRIVATE vrcw32)
+  target_link_libraries(${ARG_NAME} PRIVATE vrcw32_objects)
   target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
 endfunction()

@@ -3,6 +3,7 @@
 #include "imaging/convert/colour_map.h"
 
 #include "imaging/core/handle_table.h"
+#include "imaging/core/pixel_formats.h"
 #include "imaging/core/report.h"
 
 #include <array>
@@ -173,14 +174,13 @@ uint32_t ZEP_image_is_colour(uint32_t handle) {
   return core::api_guard("ZEP_image_is_colour", [&]() -> uint32_t {
     const ZEP_IMAGE *image = core::image_record(handle);
     if (image == nullptr) return core::report("ZEP_image_is_colour", ZEP_ERR_HANDLE);
-    if (image->type == ZEP_PALETTED) {
+    const core::PixelFormat *format = core::pixel_format(image->type);
+    const core::Colour colour = format != nullptr ? format->colour : core::Colour::No;
+    if (colour == core::Colour::ByColourMap) {
       const uint32_t grey = ZEP_cmap_is_grayscale(handle);
       return ZEP_IS_ERROR(grey) ? grey : 1 - grey;
     }
-    // XRGB32 and HSI count as not colour, as they always have.
-    const bool colour =
-        (image->type >= ZEP_RGB8 && image->type <= ZEP_CMYK32) || image->type == ZEP_DATA16_C;
-    return colour ? 1 : 0;
+    return colour == core::Colour::Yes ? 1 : 0;
   });
 }
 

@@ -22,10 +22,12 @@ uint32_t y16_data_width(const char *member_name, const ZEP_IMAGE &src) {
 
 uint16_t word_at(const uint8_t *p) { return static_cast<uint16_t>(p[0] | (p[1] << 8)); }
 
-// Byte positions of R, G, B in a 24/32-bit pixel of `bytes` bytes.
-template <uint32_t Bytes, uint32_t R, uint32_t G, uint32_t B>
-void bytes_to_grey(const uint8_t *src, uint8_t *grey, uint32_t width) {
-  for (uint32_t x = 0; x < width; ++x, src += Bytes) grey[x] = grey_of(src[R], src[G], src[B]);
+// Grey of pixels whose components sit at the byte offsets of their format's row.
+void channels_to_grey(const uint8_t *src, uint8_t *grey, uint32_t width,
+                      const core::PixelFormat &format) {
+  const core::Channels at = format.channels;
+  for (uint32_t x = 0; x < width; ++x, src += format.pixel_bytes)
+    grey[x] = grey_of(src[at.r], src[at.g], src[at.b]);
 }
 
 void rgb15_to_grey(const uint8_t *src, uint8_t *grey, uint32_t width) {
@@ -46,50 +48,47 @@ void yuv422_to_grey(const uint8_t *src, uint8_t *grey, uint32_t width) {
   for (uint32_t x = 0; x < width; ++x) grey[x] = src[2 * x];
 }
 
-// Source bytes stepped over at the end of a row of odd width.
-uint32_t odd_width_skip(uint16_t type) {
-  switch (type) {
-    case ZEP_YUV422: return 2;
-    case ZEP_RGB24:
-    case ZEP_BGR24:
-    case ZEP_RGBX32:
-    case ZEP_BGRX32:
-    case ZEP_XBGR32: return 1;
-    default: return 0;
-  }
+// Source bytes stepped over at the end of a row of odd width. QUIRK: one for the 24/32-bit
+// formats, two for YUV 4:2:2, none for the 16-bit formats.
+uint32_t odd_width_skip(const core::PixelFormat &format) {
+  if (format.layout == core::PixelLayout::Yuv422) return 2;
+  return format.layout == core::PixelLayout::Channels ? 1 : 0;
 }
 
-GreyRowKernel grey_kernel(uint16_t type) {
-  switch (type) {
-    case ZEP_RGB15: return rgb15_to_grey;
-    case ZEP_RGB16: return rgb16_to_grey;
-    case ZEP_RGB24: return rgb24_to_y8_kernel(active_simd_level());
-    case ZEP_BGR24: return bytes_to_grey<3, 2, 1, 0>;
-    case ZEP_RGBX32: return bytes_to_grey<4, 0, 1, 2>;
-    case ZEP_BGRX32: return bytes_to_grey<4, 2, 1, 0>;
-    case ZEP_XBGR32: return bytes_to_grey<4, 3, 2, 1>;
-    case ZEP_YUV422: return yuv422_to_grey;
+// The row kernel of a source; null for Y16 and for component formats other than RGB24, whose
+// rows y8_worker converts itself.
+GreyRowKernel grey_kernel(const core::PixelFormat &format) {
+  if (format.code == ZEP_RGB24) return rgb24_to_y8_kernel(active_simd_level());
+  switch (format.layout) {
+    case core::PixelLayout::Rgb555: return rgb15_to_grey;
+    case core::PixelLayout::Rgb565: return rgb16_to_grey;
+    case core::PixelLayout::Yuv422: return yuv422_to_grey;
     default: return nullptr;
   }
 }
 
 uint32_t y8_worker(const StripJob &job) {
-  const uint16_t type = job.src.type;
+  const core::PixelFormat &format = *core::pixel_format(job.src.type);  // one of kY8Sources
   if (uint32_t status = prepare_strip(job); ZEP_IS_ERROR(status)) return status;
   const uint32_t width = job.src.width;
   const uint32_t odd = width & 1;
-  const uint32_t src_row_bytes = width * pixel_bytes(type);
-  const RowLayout layout{src_row_bytes + odd * odd_width_skip(type), src_row_bytes, width + odd,
+  const uint32_t src_row_bytes = width * format.pixel_bytes;
+  const RowLayout layout{src_row_bytes + odd * odd_width_skip(format), src_row_bytes, width + odd,
                          width};
-  if (type == ZEP_Y16) {
+  if (format.layout == core::PixelLayout::Grey16) {
     const uint32_t shift = job.src.data_width - 8;
     for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) {
       for (uint32_t x = 0; x < width; ++x) d[x] = static_cast<uint8_t>(word_at(s + 2 * x) >> shift);
     });
     return ZEP_OK;
   }
-  const GreyRowKernel kernel = grey_kernel(type);
-  for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) { kernel(s, d, width); });
+  if (const GreyRowKernel kernel = grey_kernel(format)) {
+    for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) { kernel(s, d, width); });
+  } else {
+    for_each_row(job, layout, [&](const uint8_t *s, uint8_t *d, uint32_t) {
+      channels_to_grey(s, d, width, format);
+    });
+  }
   return ZEP_OK;
 }
 

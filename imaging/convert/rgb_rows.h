@@ -3,13 +3,16 @@
 // packings, and the rules between the two 16-bit formats.
 #pragma once
 
+#include "imaging/core/pixel_formats.h"
+
 #include <cstdint>
 #include <span>
 
 namespace vrc::convert {
 
-// Bytes one pixel of `type` takes in a row (0 for a type these kernels do not read).
-uint32_t pixel_bytes(uint16_t type);
+using core::pack_rgb15;
+using core::pack_rgb16;
+using core::pixel_bytes;
 
 // Grey value of a Y16 sample of `data_width` significant bits.
 inline uint8_t y16_to_grey(uint16_t sample, uint32_t data_width) {
@@ -24,14 +27,6 @@ void read_rgb_row(uint16_t type, const uint8_t *row, uint32_t width, std::span<c
 
 // Writes `width` triples as `type` (RGB24, BGR24, the four 32-bit orders, RGB15, RGB16).
 void write_rgb_row(uint16_t type, const uint8_t *rgb, uint32_t width, uint8_t *row);
-
-// 16-bit packing of one colour.
-inline uint16_t pack_rgb16(uint32_t r, uint32_t g, uint32_t b) {
-  return static_cast<uint16_t>(((r & 0xF8) << 8) | ((g & 0xFC) << 3) | (b >> 3));
-}
-inline uint16_t pack_rgb15(uint32_t r, uint32_t g, uint32_t b) {
-  return static_cast<uint16_t>(((r & 0xF8) << 7) | ((g & 0xF8) << 2) | (b >> 3));
-}
 
 // RGB15 words to RGB16 words and back, by the bit rules of the 16-bit converters.
 void rgb15_to_rgb16_row(const uint8_t *src, uint32_t width, uint8_t *dst);

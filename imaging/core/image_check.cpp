@@ -1,6 +1,7 @@
 // Validation of an image record against its pixel format, and the line-length rules.
 #include "imaging/core/handle_table.h"
 #include "imaging/core/line_rules.h"
+#include "imaging/core/pixel_formats.h"
 #include "imaging/core/report.h"
 #include "vrcw32/zep_core.h"
 
@@ -8,92 +9,51 @@
 
 namespace {
 
+using vrc::core::CheckExtra;
+using vrc::core::LineRule;
+using vrc::core::PixelFormat;
+
 constexpr const char *kCheck = "ZEP_image_check";
-
-// One per-type test: the depth a format demands, with the code and text of its failure.
-struct DepthRule {
-  uint32_t depth;
-  uint32_t code;
-  const char *message;
-};
-
-// The depth test of each type whose check is only a depth test; null for the other types.
-const DepthRule *depth_rule(uint16_t type) {
-  static constexpr DepthRule kDepth1{1, 0x10050001, "Depth not 1"};
-  static constexpr DepthRule kY8{8, 0x10050002, "Depth not 8"};
-  static constexpr DepthRule kRgb8{8, 0x1005000d, "Depth not 8"};
-  static constexpr DepthRule kRgb15{15, 0x1005000c, "Depth not 15"};
-  static constexpr DepthRule kDepth16{16, 0x10050009, "Depth not 16"};
-  static constexpr DepthRule kDepth24{24, 0x10050003, "Depth not 24"};
-  static constexpr DepthRule kDepth32{32, 0x10050004, "Depth not 32"};
-  switch (type) {
-    case ZEP_Y1: return &kDepth1;
-    case ZEP_Y8: return &kY8;
-    case ZEP_RGB8: return &kRgb8;
-    case ZEP_RGB15: return &kRgb15;
-    case ZEP_RGB16:
-    case ZEP_YUV422:
-    case ZEP_DATA16_A:
-    case ZEP_DATA16_C: return &kDepth16;
-    case ZEP_RGB24:
-    case ZEP_BGR24: return &kDepth24;
-    case ZEP_RGBX32:
-    case ZEP_BGRX32:
-    case ZEP_XBGR32:
-    case ZEP_CMYK32:
-    case ZEP_XRGB32:
-    case ZEP_DATA32:
-    case ZEP_HSI: return &kDepth32;
-    default: return nullptr;
-  }
-}
 
 uint32_t fail(uint32_t code, const char *message) {
   return vrc::core::report(kCheck, code, message);
 }
 
-// The tests of the types with more than a depth test; 0 when the record passes.
-uint32_t check_special_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
-  switch (image.type) {
-    case ZEP_PALETTED:
-      if (image.cmap_colours == 0) return fail(0x10050007, "Colourmap should not be 0 size");
-      if (image.depth != 8) return fail(0x10050008, "Depth not 8");
-      return 0;
-    case ZEP_Y16:
-      if (image.data_width < 1 || image.data_width > 16)
-        return fail(0x1005000a, "Data width not between 1 and 16");
-      if (image.depth != 16) return fail(0x1005000b, "Depth not 16");
-      return 0;
-    case ZEP_DATA32_8:
-      bytes_per_line = vrc::core::general_bytes_per_line(image.width, 8, image.line_align);
-      image.skip_bytes = ZEP_image_calc_skip_bytes(image.width, 8, image.line_align);
-      if (image.depth != 32) return fail(0x1005000e, "Depth not 32");
-      return 0;
-    case ZEP_DATA64:
-      bytes_per_line /= 4;
-      if (image.depth != 64) return fail(0x1005000f, "Depth not 64");
-      return 0;
-    case ZEP_DCT32_A:
-    case ZEP_DCT32_B:
-      if (image.depth != 32) return fail(0x10050005, "Depth not 32");
-      bytes_per_line = uint64_t{image.width} * 8;
-      return 0;
-    case ZEP_DATA16_B:
-      if (image.depth != 16) return fail(0x10050006, "Depth not 16");
-      bytes_per_line = uint64_t{image.width} * 4;
-      return 0;
-    default: return fail(0x10050010, "Unrecognised image");
+// The line rules applied before the depth test (whatever its outcome) and after it passes.
+void apply_line_rule_before(const PixelFormat &format, ZEP_IMAGE &image, uint64_t &bytes_per_line) {
+  if (format.line_rule == LineRule::AsDepth8) {
+    bytes_per_line = vrc::core::general_bytes_per_line(image.width, 8, image.line_align);
+    image.skip_bytes = ZEP_image_calc_skip_bytes(image.width, 8, image.line_align);
+  } else if (format.line_rule == LineRule::GeneralDiv4) {
+    bytes_per_line /= 4;  // QUIRK: a quarter of the general value
   }
 }
 
-// The per-type tests, first failing test deciding; 0 when the record passes.
+void apply_line_rule_after(const PixelFormat &format, const ZEP_IMAGE &image,
+                           uint64_t &bytes_per_line) {
+  if (format.line_rule == LineRule::Width8Bytes) bytes_per_line = uint64_t{image.width} * 8;
+  if (format.line_rule == LineRule::Width4Bytes) bytes_per_line = uint64_t{image.width} * 4;
+}
+
+// The test made before the depth test; 0 when the record passes.
+uint32_t check_before_depth(const PixelFormat &format, const ZEP_IMAGE &image) {
+  if (format.check_extra == CheckExtra::NeedsColourMap && image.cmap_colours == 0)
+    return fail(0x10050007, "Colourmap should not be 0 size");
+  if (format.check_extra == CheckExtra::NeedsDataWidth &&
+      (image.data_width < 1 || image.data_width > 16))
+    return fail(0x1005000a, "Data width not between 1 and 16");
+  return 0;
+}
+
+// The tests of the record's format, first failing test deciding; 0 when the record passes.
 uint32_t check_type(ZEP_IMAGE &image, uint64_t &bytes_per_line) {
-  if (image.type == ZEP_NONE || image.type >= ZEP_TYPE_LIMIT)
-    return fail(0x10050010, "Unrecognised image");
-  const DepthRule *rule = depth_rule(image.type);
-  if (rule == nullptr) return check_special_type(image, bytes_per_line);
-  if (image.depth != rule->depth) return fail(rule->code, rule->message);
-  if (image.type == ZEP_Y8) image.data_width = 8;
+  const PixelFormat *format = vrc::core::pixel_format(image.type);
+  if (format == nullptr) return fail(0x10050010, "Unrecognised image");
+  apply_line_rule_before(*format, image, bytes_per_line);
+  if (uint32_t status = check_before_depth(*format, image); status != 0) return status;
+  if (image.depth != format->depth) return fail(format->depth_code, format->depth_message);
+  if (format->check_extra == CheckExtra::ResetsDataWidth) image.data_width = format->data_width;
+  apply_line_rule_after(*format, image, bytes_per_line);
   return 0;
 }
 

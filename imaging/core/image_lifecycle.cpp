@@ -70,16 +70,12 @@ uint32_t destroy_all() {
     vrc::core::table_for_each([](uint32_t handle, ZEP_IMAGE *) { destroy_one(handle); });
   }
   vrc::core::run_teardown_hooks();
-  LibraryLock lock;
-  vrc::core::free_scratch_buffers();
   return 0;
 }
 
 uint32_t destroy_if_none_left() {
   LibraryLock lock;
-  if (vrc::core::table_any_occupied()) return ZEP_ERR_INTERNAL;
-  vrc::core::free_scratch_buffers();
-  return 0;
+  return vrc::core::table_any_occupied() ? ZEP_ERR_INTERNAL : 0;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "imaging/core/init.h"
 #include "imaging/core/jpeg_record.h"
 #include "imaging/core/library_lock.h"
+#include "imaging/core/pixel_formats.h"
 #include "imaging/core/report.h"
 #include "imaging/core/text_field.h"
 #include "vrcw32/zep_core.h"
@@ -35,67 +36,28 @@ uint32_t *plain_field(ZEP_IMAGE &image, uint16_t id) {
   }
 }
 
-// 3 for the 8- and 16-bit colour types and YUV, 1 for Y16, else whole bytes of the depth; the
-// odd values are what callers have always been given.
+// ZEP_BYTES_PER_PIXEL: the row's reported value, else whole bytes of the depth.
 uint32_t bytes_per_pixel(const ZEP_IMAGE &image) {
-  switch (image.type) {
-    case ZEP_RGB8:
-    case ZEP_RGB15:
-    case ZEP_RGB16:
-    case ZEP_YUV422: return 3;
-    case ZEP_Y16: return 1;
-    default: return image.depth / 8;
-  }
+  const vrc::core::PixelFormat *format = vrc::core::pixel_format(image.type);
+  return format != nullptr && format->reported_pixel_bytes != 0 ? format->reported_pixel_bytes
+                                                                : image.depth / 8;
 }
 
-// The depth a type code demands and whether it sets the data width; false for rejected codes.
-struct TypeDepth {
-  uint32_t depth;
-  uint16_t data_width;  // 0 = leave unchanged
-};
-
-bool type_depth(uint32_t type, TypeDepth &out) {
-  switch (type) {
-    case ZEP_Y1: out = {1, 0}; return true;
-    case ZEP_Y8:
-    case ZEP_RGB8:
-    case ZEP_PALETTED: out = {8, 8}; return true;
-    case ZEP_RGB15: out = {15, 0}; return true;
-    case ZEP_RGB16:
-    case ZEP_YUV422:
-    case ZEP_Y16:
-    case ZEP_DATA16_A:
-    case ZEP_DATA16_B:
-    case ZEP_DATA16_C: out = {16, 16}; return true;
-    case ZEP_RGB24:
-    case ZEP_BGR24: out = {24, 0}; return true;
-    case ZEP_RGBX32:
-    case ZEP_BGRX32:
-    case ZEP_XBGR32:
-    case ZEP_CMYK32:
-    case ZEP_XRGB32:
-    case ZEP_DATA32_8:
-    case ZEP_DATA32:
-    case ZEP_DCT32_A:
-    case ZEP_DCT32_B:
-    case ZEP_HSI: out = {32, 0}; return true;
-    case ZEP_DATA64: out = {64, 0}; return true;
-    default: return false;
-  }
-}
-
+// Stores the type first (QUIRK: a refused code stays stored), then the depth and data width it
+// demands.
 uint32_t set_type(ZEP_IMAGE &image, uint32_t type) {
   image.type = static_cast<uint16_t>(type);
   if (type == ZEP_NONE) {
     image.flags &= ~ZEP_FLAG_DIB;
     return 0;
   }
-  TypeDepth rule{};
-  if (!type_depth(type, rule))
+  const vrc::core::PixelFormat *format = vrc::core::pixel_format(type);
+  if (format == nullptr)
     return vrc::core::report(kSetParameter, ZEP_ERR_UNSUPPORTED, "Unrecognized image type");
-  image.depth = rule.depth;
-  if (rule.data_width != 0) image.data_width = rule.data_width;
-  if (type == ZEP_PALETTED && image.cmap_colours == 0) image.cmap_colours = 256;
+  image.depth = format->depth;
+  if (format->data_width != 0) image.data_width = format->data_width;
+  if (format->check_extra == vrc::core::CheckExtra::NeedsColourMap && image.cmap_colours == 0)
+    image.cmap_colours = 256;
   image.flags &= ~ZEP_FLAG_DIB;
   return 0;
 }

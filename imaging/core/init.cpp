@@ -1,9 +1,9 @@
 // Library start-up, run explicitly or lazily by the first ZEP_image_create.
 #include "imaging/core/init.h"
 #include "imaging/core/error_table.h"
-#include "imaging/core/library_hooks.h"
 #include "imaging/core/library_lock.h"
 #include "vrcw32/zep_core.h"
+#include "vrcw32/zep_mraw.h"
 
 #include <atomic>
 
@@ -37,8 +37,8 @@ uint32_t ZEP_Init(void) {
     __atomic_store_n(&entry.handler, &ZEP_ErrHandlerDefault, __ATOMIC_RELEASE);
     __atomic_store_n(&entry.library_id, ZEP_LIBRARY_ID_VALUE, __ATOMIC_RELEASE);
     g_initialised.store(true, std::memory_order_release);
+    ZEP_MRAW_InitLibrary();
   }
-  vrc::core::run_startup_hooks();
   return 0;
 }
 

@@ -1,19 +1,11 @@
 // Recognising a file by its first bytes (never by its name) and dispatching reads and writes to
-// the format that handles them. Only detection reads: a read that names a format is refused.
-//
-// The JPEG file layer is referenced weakly, so that this dispatch works whether or not the JPEG
-// codec is part of the build; without it, JPEG files are an unsupported format.
+// the format that handles them, through the file-format registry. Only detection reads: a read
+// that names a format is refused.
 #include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"
-#include "imaging/files/tiff/tiff_layout.h"
+#include "imaging/files/file_registry.h"
 #include "vrcw32/zep_files.h"
-
-#include <array>
-#include <cstring>
-
-extern "C" uint32_t ZEP_JPEG_file_read(uint32_t handle) __attribute__((weak));
-extern "C" uint32_t ZEP_JPEG_file_write(uint32_t handle) __attribute__((weak));
 
 namespace vrc::files {
 namespace {
@@ -22,35 +14,13 @@ constexpr char kFindName[] = "ZEP_image_find_file_format";
 constexpr char kReadName[] = "ZEP_image_read";
 constexpr char kWriteName[] = "ZEP_image_write";
 constexpr char kUnsupported[] = "Unsupported/unrecognized image format";
-constexpr uint32_t kFormatWithoutReader = 1;  // what a read that names its format stands for
-
-// 'M' or 'I', the magic 42, and a first directory entry whose field type is defined (1..11).
-bool is_tiff(std::FILE *file) {
-  const int mark = std::fgetc(file);
-  if (mark != 'M' && mark != 'I') return false;
-  const auto order = static_cast<uint16_t>(mark);
-  static_cast<void>(std::fgetc(file));
-  if (TIFF_read_ui16(file, order) != tiff::kMagic) return false;
-  const uint32_t directory = TIFF_read_ui32(file, order);
-  if (std::feof(file) || std::fseek(file, static_cast<long>(directory), SEEK_SET) != 0)
-    return false;
-  static_cast<void>(TIFF_read_ui16(file, order));  // entry count
-  static_cast<void>(TIFF_read_ui16(file, order));  // first tag
-  const uint16_t type = TIFF_read_ui16(file, order);
-  static_cast<void>(TIFF_read_ui32(file, order));  // value count
-  return !std::feof(file) && !std::ferror(file) && type >= 1 && type <= tiff::kLastFieldType;
-}
+// QUIRK: what a read that names its format stands for; no format has this code.
+constexpr uint32_t kFormatWithoutReader = 1;
 
 uint32_t detect(std::FILE *file) {
-  if (is_tiff(file)) return ZEP_FILE_TIFF;
-  std::array<uint8_t, 10> head{};
-  std::rewind(file);
-  const std::size_t got = std::fread(head.data(), 1, head.size(), file);
-  if (got >= 2 && head[0] == 0xFF && head[1] == 0xD8) return ZEP_FILE_JPEG;
-  if (got >= 4 && std::memcmp(head.data(), "%!PS", 4) == 0) return ZEP_FILE_EPS;
-  // "BM", the 32-bit file size, then the two reserved 16-bit fields, which must be 0.
-  if (got == head.size() && head[0] == 'B' && head[1] == 'M' && ZEP_mget_ui32i(&head[6]) == 0) {
-    return ZEP_FILE_BMP;
+  for (const FileFormatRow &row : file_format_rows()) {
+    std::rewind(file);
+    if (row.detect != nullptr && row.detect(file)) return row.code;
   }
   return ZEP_FILE_UNKNOWN;
 }
@@ -75,6 +45,12 @@ uint32_t detect_for_reading(uint32_t handle, uint16_t format) {
   return detected;
 }
 
+// The reader or writer of `code` picked by `function`; null when the format has none.
+FileFunction function_of(uint32_t code, FileFunction FileFormatRow::*function) {
+  const FileFormatRow *row = file_format_row(code);
+  return row != nullptr ? row->*function : nullptr;
+}
+
 }  // namespace
 }  // namespace vrc::files
 
@@ -90,31 +66,16 @@ extern "C" uint32_t ZEP_image_read(uint32_t handle, uint16_t format, uint16_t ac
   return api_guard(kReadName, [&] {
     const uint32_t detected = detect_for_reading(handle, format);
     if (ZEP_IS_ERROR(detected)) return detected;
-    switch (detected) {
-      case ZEP_FILE_TIFF: return ZEP_read_TIFF_file(handle, action);
-      case ZEP_FILE_EPS: return ZEP_read_EPS_file(handle, action);
-      case ZEP_FILE_BMP: return ZEP_read_BMP_file(handle, action);
-      case ZEP_FILE_JPEG:
-        if (ZEP_JPEG_file_read != nullptr) return ZEP_JPEG_file_read(handle);
-        break;
-      default: break;
-    }
-    return report(kReadName, ZEP_ERR_UNSUPPORTED, kUnsupported);
+    const FileFunction read = function_of(detected, &FileFormatRow::read);
+    return read != nullptr ? read(handle, action)
+                           : report(kReadName, ZEP_ERR_UNSUPPORTED, kUnsupported);
   });
 }
 
 extern "C" uint32_t ZEP_image_write(uint32_t handle, uint32_t, uint16_t format, uint16_t action) {
   return api_guard(kWriteName, [&] {
-    switch (format) {
-      case ZEP_FILE_TIFF: return ZEP_write_TIFF_file(handle, action);
-      case ZEP_FILE_EPS: return ZEP_write_EPS_file(handle, action);
-      case ZEP_FILE_BMP: return ZEP_write_BMP_file(handle);
-      case ZEP_FILE_RAW: return ZEP_write_raw_data_file(handle, action);
-      case ZEP_FILE_JPEG:
-        if (ZEP_JPEG_file_write != nullptr) return ZEP_JPEG_file_write(handle);
-        break;
-      default: break;
-    }
-    return report(kWriteName, ZEP_ERR_UNSUPPORTED, kUnsupported);
+    const FileFunction write = function_of(format, &FileFormatRow::write);
+    return write != nullptr ? write(handle, action)
+                            : report(kWriteName, ZEP_ERR_UNSUPPORTED, kUnsupported);
   });
 }

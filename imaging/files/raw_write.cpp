@@ -5,9 +5,9 @@
 #include "imaging/core/library_hooks.h"
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"
+#include "imaging/files/file_registry.h"
 #include "vrcw32/zep_files.h"
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -34,13 +34,6 @@ void close_raw_slot() {
 
 const bool registered = core::register_teardown(&close_raw_slot);
 
-bool is_accepted(uint16_t type) {
-  constexpr uint16_t kAccepted[] = {ZEP_Y8,     ZEP_PALETTED, ZEP_RGB8,   ZEP_RGB15,  ZEP_RGB16,
-                                    ZEP_RGB24,  ZEP_BGR24,    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32,
-                                    ZEP_YUV422, ZEP_Y16,      ZEP_XRGB32, ZEP_DATA32, ZEP_HSI};
-  return std::find(std::begin(kAccepted), std::end(kAccepted), type) != std::end(kAccepted);
-}
-
 void write_strip(const ZEP_IMAGE &image, std::FILE *file) {
   const bool samples_16 =
       image.type == ZEP_RGB15 || image.type == ZEP_RGB16 || image.type == ZEP_Y16;
@@ -57,7 +50,7 @@ uint32_t write_raw(uint32_t handle, uint16_t action) {
   if (const uint32_t status = check_image_to_write(kRawName, handle, image); status != ZEP_OK)
     return status;
   if (image->lines_this_strip == 0) return ZEP_OK;
-  if (!is_accepted(image->type))
+  if (!stores_type(ZEP_FILE_RAW, image->type))
     return core::report(kRawName, ZEP_ERR_UNSUPPORTED, message::kUnsupportedFormat);
 
   RawSlot &slot = raw_slot();

@@ -51,6 +51,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* ---- Modes of the strip protocol -------------------------------------------------------- */
 
@@ -209,6 +210,7 @@ uint32_t ZEP_destroy_YUV422_to_RGB16_LUT(void);
 uint32_t ZEP_destroy_YUV422_to_RGB15_LUT(void);
 uint32_t ZEP_destroy_YUV422_to_paletted_LUT(void);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif

@@ -13,9 +13,20 @@
 #include <stdint.h>
 #include <stdio.h>
 
+/* Declarations between ZEP_API_BEGIN and ZEP_API_END are what libvrcw32.so exports; the library
+ * is built with hidden visibility for everything else. */
+#if defined(__GNUC__)
+#define ZEP_API_BEGIN _Pragma("GCC visibility push(default)")
+#define ZEP_API_END _Pragma("GCC visibility pop")
+#else
+#define ZEP_API_BEGIN
+#define ZEP_API_END
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* ---- Handles ---------------------------------------------------------------------------- */
 
@@ -248,6 +259,11 @@ uint32_t ZEP_copy_outfilename(uint32_t dst, uint32_t src);
 uint32_t ZEP_image_set_infilename(uint32_t handle, const char *name);
 uint32_t ZEP_image_set_outfilename(uint32_t handle, const char *name);
 
+/* The name of an image pixel format as tools show it ("RGB24", "Y16"); null for 0, for the working
+ * formats of the codec and processing operations and for codes that are no type. The text is
+ * the library's own and lives as long as the process. */
+const char *ZEP_pixel_format_name(uint32_t type);
+
 /* ---- Errors ----------------------------------------------------------------------------- */
 
 uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t code,
@@ -300,6 +316,7 @@ char *ZEP_sscanf(char *text, uint16_t *value);
  * null record or argument list. */
 uint32_t ZEP_Util_ParseCommand(void *record, int argc, char **argv);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif

@@ -17,6 +17,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 /* ---- File-format codes ------------------------------------------------------------------ */
 
@@ -32,9 +33,23 @@ extern "C" {
 #define ZEP_ACTION_DATA 3  /* transfer the pixel data, then close */
 #define ZEP_ACTION_CLOSE 4 /* close after the header */
 
-/* TIFF byte-order marks: 'M' (most significant byte first) and 'I' (least significant first). */
-#define ZEP_TIFF_ORDER_MOTOROLA 77
-#define ZEP_TIFF_ORDER_INTEL 73
+/* ---- The file formats the library knows ------------------------------------------------ */
+
+typedef struct ZEP_FILE_FORMAT_INFO {
+  uint16_t code;          /* ZEP_FILE_* */
+  const char *name;       /* "TIFF", as tools show it */
+  const char *extensions; /* file-name extensions, lower case, without dots, blank-separated,
+                             the usual one first: "tif tiff" */
+  uint32_t detected;      /* 1 when ZEP_image_find_file_format recognises the format */
+  uint32_t readable;      /* 1 when ZEP_image_read reads it */
+  uint32_t writable;      /* 1 when ZEP_image_write writes it */
+} ZEP_FILE_FORMAT_INFO;
+
+/* The index-th file format the library knows (0, 1, ...), or null after the last. The record and
+ * its texts belong to the library and live as long as the process. */
+const ZEP_FILE_FORMAT_INFO *ZEP_file_format_info(uint32_t index);
+/* 1 when ZEP_image_write stores pixels of `type` in `format` as they are, else 0. */
+uint32_t ZEP_file_format_stores_type(uint32_t format, uint32_t type);
 
 /* ---- Detection and dispatch ------------------------------------------------------------- */
 
@@ -61,18 +76,13 @@ uint32_t ZEP_convert_to_DIB_w31(uint32_t src, uint32_t dst, uint32_t flags, uint
 
 uint32_t ZEP_write_TIFF_file(uint32_t handle, uint16_t action);
 uint32_t ZEP_read_TIFF_file(uint32_t handle, uint16_t action);
-/* Byte-order readers: most significant byte first when `order` is 77 ('M'), else least. */
-uint16_t TIFF_read_ui16(FILE *file, uint16_t order);
-uint32_t TIFF_read_ui32(FILE *file, uint16_t order);
-/* Reads an entry's value word: a 16-bit value and 16 skipped bits for type 3 (SHORT), else a
- * 32-bit value. */
-uint32_t TIFF_read_data(FILE *file, uint16_t order, uint16_t type);
 
 /* ---- EPS files -------------------------------------------------------------------------- */
 
 uint32_t ZEP_write_EPS_file(uint32_t handle, uint16_t action);
 uint32_t ZEP_read_EPS_file(uint32_t handle, uint16_t action);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif

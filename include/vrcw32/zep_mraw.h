@@ -17,6 +17,7 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+ZEP_API_BEGIN
 
 #define ZEP_MRAW_HANDLES 9u                 /* table slots; slot 0 is never issued */
 #define ZEP_MRAW_FILE_NAME_LENGTH 256       /* characters of the file name, terminator included */
@@ -75,6 +76,7 @@ uint32_t ZEP_MRAW_GetInfo(uint32_t handle, ZEP_MRAW_RECORD *record_out);
  * word are kept. */
 uint32_t ZEP_MRAW_SetInfo(uint32_t handle, const ZEP_MRAW_RECORD *record);
 
+ZEP_API_END
 #ifdef __cplusplus
 }
 #endif

@@ -1,6 +1,6 @@
-// zep demo: makes images in several pixel formats, prints their parameters and writes each as a
-// BMP, TIFF and EPS file into a folder. Formats a file cannot hold are converted first to RGB24
-// (colour) or Y8 (grey).
+// zep demo: makes images in several pixel formats, prints their parameters and writes each in
+// every file format the library both reads and writes (BMP, TIFF, EPS) into a folder. Formats a
+// file cannot hold are converted first to RGB24 (colour) or Y8 (grey).
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
@@ -30,13 +30,11 @@ constexpr uint32_t kWidth = 320;
 constexpr uint32_t kHeight = 240;
 constexpr char kDefaultFolder[] = "zep-demo";
 
-struct FileKind {
-  uint16_t format;
-  const char *extension;
-};
-
-constexpr FileKind kFileKinds[] = {
-    {ZEP_FILE_BMP, "bmp"}, {ZEP_FILE_TIFF, "tif"}, {ZEP_FILE_EPS, "eps"}};
+// The first of a format's blank-separated extensions.
+std::string usual_extension(const ZEP_FILE_FORMAT_INFO &format) {
+  const std::string extensions = format.extensions;
+  return extensions.substr(0, extensions.find(' '));
+}
 
 void print_parameters(const char *label, uint32_t image) {
   std::printf("%-8s type %3u  %4u x %-4u  depth %2u  bytes/line %5u  strip bytes %7u\n", label,
@@ -49,11 +47,11 @@ void print_parameters(const char *label, uint32_t image) {
 }
 
 // Writes `image` (or its conversion to the fallback format) as `path`.
-bool write_demo_file(const DemoImage &demo, uint32_t image, const FileKind &kind,
+bool write_demo_file(const DemoImage &demo, uint32_t image, const ZEP_FILE_FORMAT_INFO &kind,
                      const std::string &path) {
   uint32_t written = image;
   Image converted;
-  if (!format_accepts(kind.format, demo.type)) {
+  if (!format_accepts(kind.code, demo.type)) {
     if (!converted.created() ||
         ZEP_IS_ERROR(
             ZEP_image_convert(image, converted.handle(), demo.fallback, 0, ZEP_MODE_NEXT_STRIP))) {
@@ -61,7 +59,7 @@ bool write_demo_file(const DemoImage &demo, uint32_t image, const FileKind &kind
     }
     written = converted.handle();
   }
-  if (ZEP_IS_ERROR(write_image(written, path.c_str(), kind.format))) return false;
+  if (ZEP_IS_ERROR(write_image(written, path.c_str(), kind.code))) return false;
   std::printf("           wrote %s (%s)\n", path.c_str(),
               type_name(ZEP_image_get_parameter(written, ZEP_IMAGE_TYPE)));
   return true;
@@ -90,9 +88,10 @@ int run_demo(int argc, char **argv) {
     if (!image.created()) return kFailure;
     ZEP_ImageMake(image.handle(), kWidth, kHeight, demo.type, demo.colour);
     print_parameters(demo.label, image.handle());
-    for (const FileKind &kind : kFileKinds) {
-      const std::string path = folder + "/" + demo.label + "." + kind.extension;
-      if (!path_fits(path.c_str()) || !write_demo_file(demo, image.handle(), kind, path))
+    for (const ZEP_FILE_FORMAT_INFO *kind : file_formats()) {
+      if (!is_readable(*kind) || !is_writable(*kind)) continue;
+      const std::string path = folder + "/" + demo.label + "." + usual_extension(*kind);
+      if (!path_fits(path.c_str()) || !write_demo_file(demo, image.handle(), *kind, path))
         result = kFailure;
     }
   }

@@ -28,7 +28,8 @@ int describe(const char *path) {
     return kFailure;
   }
   if (format == ZEP_FILE_UNKNOWN) {
-    std::fprintf(stderr, "zep: %s: not a BMP, TIFF, EPS or JPEG file\n", path);
+    std::fprintf(stderr, "zep: %s: not a %s file\n", path,
+                 format_list(is_detected, Case::Upper, ", ", " or ").c_str());
     return kFailure;
   }
   Image image;
@@ -73,9 +74,10 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
       }
       const char *value = argv[++i];
       if (argument == "--format") {
-        request.format = format_from_name(value);
-        if (!request.format || *request.format == ZEP_FILE_JPEG) {
-          std::fprintf(stderr, "zep: unknown output format '%s' (bmp, tiff, eps or raw)\n", value);
+        request.format = output_format_from_name(value);
+        if (!request.format) {
+          std::fprintf(stderr, "zep: unknown output format '%s' (%s)\n", value,
+                       format_list(is_writable, Case::Lower, ", ", " or ").c_str());
           return std::nullopt;
         }
       } else {
@@ -103,11 +105,10 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
     std::fprintf(stderr, "zep: convert needs an input and an output file\n");
     return std::nullopt;
   }
-  if (!request.format) request.format = format_from_extension(request.output);
+  if (!request.format) request.format = output_format_from_extension(request.output);
   if (!request.format) {
-    std::fprintf(stderr,
-                 "zep: cannot tell the output format from '%s'; add --format bmp|tiff|eps|raw\n",
-                 request.output);
+    std::fprintf(stderr, "zep: cannot tell the output format from '%s'; add --format %s\n",
+                 request.output, format_list(is_writable, Case::Lower, "|", "|").c_str());
     return std::nullopt;
   }
   return request;

@@ -53,6 +53,9 @@ std::optional<SeqRequest> parse_seq(std::string_view subcommand, int argc, char 
   return request;
 }
 
+// The image formats a frame can be written as, for messages: "bmp, tiff, eps or raw".
+std::string image_extensions() { return format_list(is_writable, Case::Lower, ", ", " or "); }
+
 bool file_readable(const char *path) {
   std::FILE *file = std::fopen(path, "rb");
   if (file == nullptr) return false;
@@ -81,10 +84,10 @@ std::unique_ptr<SequenceReader> open_sequence(const char *path) {
 // cannot hold are converted to RGB24 (colour) or Y8 (grey) first.
 bool write_frame_file(uint32_t image, const std::string &path) {
   if (!path_fits(path.c_str())) return false;
-  const std::optional<uint16_t> format = format_from_extension(path);
+  const std::optional<uint16_t> format = output_format_from_extension(path);
   if (!format) {
-    std::fprintf(stderr, "zep: cannot tell the image format from '%s' (.bmp, .tif, .eps, .raw)\n",
-                 path.c_str());
+    std::fprintf(stderr, "zep: cannot tell the image format from '%s' (%s)\n", path.c_str(),
+                 image_extensions().c_str());
     return false;
   }
   uint32_t written = image;
@@ -281,9 +284,9 @@ int seq_unpack(const SeqRequest &request) {
   }
   const std::string pattern = request.files[1];
   const std::size_t dot = pattern.rfind('.');
-  if (dot == std::string::npos || !format_from_extension(pattern)) {
-    std::fprintf(stderr, "zep: cannot tell the image format from '%s' (.bmp, .tif, .eps, .raw)\n",
-                 pattern.c_str());
+  if (dot == std::string::npos || !output_format_from_extension(pattern)) {
+    std::fprintf(stderr, "zep: cannot tell the image format from '%s' (%s)\n", pattern.c_str(),
+                 image_extensions().c_str());
     return kUsage;
   }
   std::unique_ptr<SequenceReader> reader = open_sequence(request.files[0]);

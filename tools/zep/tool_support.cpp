@@ -6,40 +6,34 @@
 #include <cctype>
 #include <cstdio>
 #include <cstring>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace zep_tool {
 namespace {
-
-struct TypeName {
-  uint16_t type;
-  const char *name;
-};
-
-constexpr TypeName kTypes[] = {
-    {ZEP_Y1, "Y1"},         {ZEP_Y8, "Y8"},         {ZEP_PALETTED, "PALETTED"},
-    {ZEP_RGB8, "RGB8"},     {ZEP_RGB15, "RGB15"},   {ZEP_RGB16, "RGB16"},
-    {ZEP_RGB24, "RGB24"},   {ZEP_BGR24, "BGR24"},   {ZEP_RGBX32, "RGBX32"},
-    {ZEP_BGRX32, "BGRX32"}, {ZEP_XBGR32, "XBGR32"}, {ZEP_YUV422, "YUV422"},
-    {ZEP_CMYK32, "CMYK32"}, {ZEP_Y16, "Y16"},       {ZEP_XRGB32, "XRGB32"},
-    {ZEP_HSI, "HSI"},
-};
-
-struct FormatName {
-  uint16_t format;
-  const char *name;
-};
-
-constexpr FormatName kFormats[] = {
-    {ZEP_FILE_BMP, "BMP"}, {ZEP_FILE_TIFF, "TIFF"}, {ZEP_FILE_EPS, "EPS"},
-    {ZEP_FILE_RAW, "RAW"}, {ZEP_FILE_JPEG, "JPEG"},
-};
 
 std::string upper(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
                  [](unsigned char c) { return std::toupper(c); });
   return result;
+}
+
+std::string lower(std::string_view text) {
+  std::string result(text);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](unsigned char c) { return std::tolower(c); });
+  return result;
+}
+
+// Whether `extension` (lower case) is one of the format's blank-separated extensions.
+bool has_extension(const ZEP_FILE_FORMAT_INFO &format, const std::string &extension) {
+  std::istringstream words(format.extensions);
+  for (std::string word; words >> word;) {
+    if (word == extension) return true;
+  }
+  return false;
 }
 
 uint32_t print_report(uint32_t, const char *function_name, uint32_t code, const char *message) {
@@ -54,43 +48,69 @@ uint32_t print_report(uint32_t, const char *function_name, uint32_t code, const 
 }  // namespace
 
 const char *type_name(uint32_t type) {
-  for (const TypeName &entry : kTypes) {
-    if (entry.type == type) return entry.name;
-  }
-  return "unknown";
+  const char *name = ZEP_pixel_format_name(type);
+  return name != nullptr ? name : "unknown";
 }
 
 std::optional<uint16_t> type_from_name(std::string_view name) {
   const std::string wanted = upper(name);
-  for (const TypeName &entry : kTypes) {
-    if (wanted == entry.name) return entry.type;
+  for (uint16_t type = 0; type < ZEP_TYPE_LIMIT; ++type) {
+    const char *known = ZEP_pixel_format_name(type);
+    if (known != nullptr && wanted == known) return type;
   }
   return std::nullopt;
 }
 
+std::vector<const ZEP_FILE_FORMAT_INFO *> file_formats() {
+  std::vector<const ZEP_FILE_FORMAT_INFO *> formats;
+  for (uint32_t i = 0; const ZEP_FILE_FORMAT_INFO *info = ZEP_file_format_info(i); ++i)
+    formats.push_back(info);
+  return formats;
+}
+
+bool is_readable(const ZEP_FILE_FORMAT_INFO &format) { return format.readable != 0; }
+bool is_writable(const ZEP_FILE_FORMAT_INFO &format) { return format.writable != 0; }
+bool is_detected(const ZEP_FILE_FORMAT_INFO &format) { return format.detected != 0; }
+
+std::string format_list(bool (*keep)(const ZEP_FILE_FORMAT_INFO &), Case letters,
+                        const char *separator, const char *last_separator) {
+  std::vector<std::string> names;
+  for (const ZEP_FILE_FORMAT_INFO *format : file_formats()) {
+    if (keep(*format)) names.push_back(letters == Case::Lower ? lower(format->name) : format->name);
+  }
+  std::string list;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (i > 0) list += i + 1 == names.size() ? last_separator : separator;
+    list += names[i];
+  }
+  return list;
+}
+
 const char *format_name(uint32_t format) {
-  for (const FormatName &entry : kFormats) {
-    if (entry.format == format) return entry.name;
+  for (const ZEP_FILE_FORMAT_INFO *info : file_formats()) {
+    if (info->code == format) return info->name;
   }
   return "unknown";
 }
 
-std::optional<uint16_t> format_from_name(std::string_view name) {
-  const std::string wanted = upper(name);
-  if (wanted == "TIF") return ZEP_FILE_TIFF;
-  for (const FormatName &entry : kFormats) {
-    if (wanted == entry.name) return entry.format;
+std::optional<uint16_t> output_format_from_name(std::string_view name) {
+  const std::string wanted = lower(name);
+  for (const ZEP_FILE_FORMAT_INFO *info : file_formats()) {
+    if (info->writable != 0 && (wanted == lower(info->name) || has_extension(*info, wanted)))
+      return info->code;
   }
   return std::nullopt;
 }
 
-std::optional<uint16_t> format_from_extension(std::string_view path) {
+std::optional<uint16_t> output_format_from_extension(std::string_view path) {
   const std::size_t dot = path.rfind('.');
   if (dot == std::string_view::npos || path.find('/', dot) != std::string_view::npos)
     return std::nullopt;
-  const std::string extension = upper(path.substr(dot + 1));
-  if (extension == "JPG") return std::nullopt;
-  return format_from_name(extension);
+  const std::string extension = lower(path.substr(dot + 1));
+  for (const ZEP_FILE_FORMAT_INFO *info : file_formats()) {
+    if (info->writable != 0 && has_extension(*info, extension)) return info->code;
+  }
+  return std::nullopt;
 }
 
 void start_library() {
@@ -121,17 +141,7 @@ uint32_t write_image(uint32_t image, const char *path, uint16_t format) {
 }
 
 bool format_accepts(uint16_t format, uint32_t type) {
-  switch (format) {
-    case ZEP_FILE_BMP:
-      return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24 || type == ZEP_BGR24 ||
-             type == ZEP_BGRX32;
-    case ZEP_FILE_TIFF:
-      return type == ZEP_Y8 || type == ZEP_Y16 || type == ZEP_RGB24 || type == ZEP_BGR24 ||
-             type == ZEP_BGRX32 || type == ZEP_YUV422;
-    case ZEP_FILE_EPS: return type == ZEP_Y8 || type == ZEP_PALETTED || type == ZEP_RGB24;
-    case ZEP_FILE_RAW: return type != ZEP_Y1 && type != ZEP_CMYK32;
-    default: return false;
-  }
+  return ZEP_file_format_stores_type(format, type) != 0;
 }
 
 }  // namespace zep_tool

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zep_tool {
 
@@ -19,9 +20,21 @@ inline constexpr int kUsage = 2;
 const char *type_name(uint32_t type);
 std::optional<uint16_t> type_from_name(std::string_view name);
 const char *format_name(uint32_t format);
-std::optional<uint16_t> format_from_name(std::string_view name);
-// The file format a file name's extension suggests (.bmp, .tif, .tiff, .eps, .raw).
-std::optional<uint16_t> format_from_extension(std::string_view path);
+// A format the library writes, by its name or one of its extensions, in any letter case.
+std::optional<uint16_t> output_format_from_name(std::string_view name);
+// The format the library writes that a file name's extension suggests.
+std::optional<uint16_t> output_format_from_extension(std::string_view path);
+
+// The file formats the library knows, in its order.
+std::vector<const ZEP_FILE_FORMAT_INFO *> file_formats();
+bool is_readable(const ZEP_FILE_FORMAT_INFO &format);
+bool is_writable(const ZEP_FILE_FORMAT_INFO &format);
+bool is_detected(const ZEP_FILE_FORMAT_INFO &format);
+
+// The names of the formats `keep` accepts, as "BMP, TIFF or EPS" or "bmp|tiff|eps".
+enum class Case { Upper, Lower };
+std::string format_list(bool (*keep)(const ZEP_FILE_FORMAT_INFO &), Case letters,
+                        const char *separator, const char *last_separator);
 
 // Starts the library and prints every reported failure as one line on standard error.
 void start_library();

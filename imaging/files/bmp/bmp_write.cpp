@@ -9,6 +9,7 @@
 #include "imaging/core/report.h"
 #include "imaging/files/bmp/bmp_layout.h"
 #include "imaging/files/file_common.h"
+#include "imaging/files/file_registry.h"
 #include "vrcw32/zep_convert.h"
 #include "vrcw32/zep_files.h"
 
@@ -20,10 +21,6 @@ namespace {
 constexpr char kWriteName[] = "ZEP_write_BMP_file";
 
 bool writes_8_bit(uint16_t type) { return type == ZEP_Y8 || type == ZEP_PALETTED; }
-
-bool is_writable(uint16_t type) {
-  return writes_8_bit(type) || type == ZEP_RGB24 || type == ZEP_BGR24 || type == ZEP_BGRX32;
-}
 
 // Fills `row` with image line `line` in the stored layout of the image's format.
 void build_row(const ZEP_IMAGE &image, uint32_t line, std::vector<uint8_t> &row,
@@ -64,7 +61,7 @@ uint32_t write_bmp(uint32_t handle) {
   ZEP_IMAGE *image = nullptr;
   if (const uint32_t status = check_image_to_write(kWriteName, handle, image); status != ZEP_OK)
     return status;
-  if (!is_writable(image->type)) {
+  if (!stores_type(ZEP_FILE_BMP, image->type)) {
     return core::report(kWriteName, ZEP_ERR_UNSUPPORTED | image->type, message::kUnsupportedFormat);
   }
   File file = File::open(image->outfilename, "wb");

@@ -3,7 +3,6 @@
 #include "imaging/files/mraw/mraw_slots.h"
 
 #include "imaging/core/init.h"
-#include "imaging/core/library_hooks.h"
 #include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"
@@ -23,10 +22,6 @@ constexpr char kSetInfoName[] = "ZEP_MRAW_SetInfo";
 std::array<Slot, ZEP_MRAW_HANDLES> g_slots{};
 
 void clear_slot(Slot &slot) { std::memset(static_cast<void *>(&slot), 0, sizeof slot); }
-
-// ZEP_Init clears the table as part of the library's start-up.
-void start_table() { ZEP_MRAW_InitLibrary(); }
-const bool registered = core::register_startup(&start_table);
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 
 namespace vrc::files::tiff {
 
@@ -41,5 +42,16 @@ inline constexpr uint32_t kPalette = 3;
 inline constexpr uint32_t kSeparated = 5;  // CMYK
 
 inline constexpr uint32_t kColorMapEntries = 256;  // entries of each colour run written
+
+// Byte-order marks: 'M' files are read most significant byte first, 'I' files least first.
+inline constexpr uint16_t kOrderMotorola = 'M';
+inline constexpr uint16_t kOrderIntel = 'I';
+
+// 16- and 32-bit values in the file's byte order (`order` 'M' or anything else for 'I').
+uint16_t read_ui16(std::FILE *file, uint16_t order);
+uint32_t read_ui32(std::FILE *file, uint16_t order);
+
+// An entry's value word: a 16-bit value and 16 skipped bits for SHORT, else a 32-bit value.
+uint32_t read_data(std::FILE *file, uint16_t order, uint16_t type);
 
 }  // namespace vrc::files::tiff

@@ -68,7 +68,7 @@ uint32_t fail(const char *message, uint32_t code = ZEP_ERR_UNEXPECTED) {
 
 uint32_t Reader::read_directory(uint32_t directory_offset) {
   if (!seek(directory_offset)) return fail("unsupported TIFF format", ZEP_ERR_UNSUPPORTED);
-  const uint16_t entries = TIFF_read_ui16(m_file, m_order);
+  const uint16_t entries = read_ui16(m_file, m_order);
   if (entries == 0 || std::feof(m_file))
     return fail("unsupported TIFF format", ZEP_ERR_UNSUPPORTED);
   // Entries that would lie past the end of the file do not exist.
@@ -79,9 +79,9 @@ uint32_t Reader::read_directory(uint32_t directory_offset) {
   for (uint64_t index = 0; index < count; ++index) {
     const uint64_t entry_position = first_entry + index * kEntryBytes;
     seek(entry_position);
-    const uint16_t tag = TIFF_read_ui16(m_file, m_order);
-    const uint16_t type = TIFF_read_ui16(m_file, m_order);
-    const uint32_t value_count = TIFF_read_ui32(m_file, m_order);
+    const uint16_t tag = read_ui16(m_file, m_order);
+    const uint16_t type = read_ui16(m_file, m_order);
+    const uint32_t value_count = read_ui32(m_file, m_order);
     const uint32_t status =
         read_entry(tag, type, value_count, static_cast<long>(entry_position + 8));
     if (status != ZEP_OK) return status;
@@ -90,12 +90,12 @@ uint32_t Reader::read_directory(uint32_t directory_offset) {
 }
 
 uint32_t Reader::sum_bits_per_sample(uint32_t count) {
-  const uint32_t offset = TIFF_read_ui32(m_file, m_order);
+  const uint32_t offset = read_ui32(m_file, m_order);
   const uint64_t present = m_file_size > offset ? (m_file_size - offset) / 2 : 0;
   uint32_t sum = 0;
   if (seek(offset)) {
     for (uint64_t sample = 0; sample < std::min<uint64_t>(count, present); ++sample) {
-      sum += TIFF_read_ui16(m_file, m_order);
+      sum += read_ui16(m_file, m_order);
     }
   }
   return sum;
@@ -105,22 +105,22 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
   switch (tag) {
     case kNewSubfileType: {
       if (count != 1) return fail("Expecting 1 entry in NewSubFileType");
-      const uint32_t kind = TIFF_read_data(m_file, m_order, type);
+      const uint32_t kind = read_data(m_file, m_order, type);
       if (kind != 0 && kind != 2)
         return fail("Expecting single full resolution image", ZEP_ERR_UNSUPPORTED);
       return ZEP_OK;
     }
     case kImageWidth:
       if (count != 1) return fail("Expecting 1 entry in ImageWidth");
-      m_image.width = TIFF_read_data(m_file, m_order, type);
+      m_image.width = read_data(m_file, m_order, type);
       return ZEP_OK;
     case kImageLength:
       if (count != 1) return fail("expecting 1 entry in ImageLength");
-      m_image.height = TIFF_read_data(m_file, m_order, type);
+      m_image.height = read_data(m_file, m_order, type);
       return ZEP_OK;
     case kBitsPerSample:
       if (count < 3) {
-        m_directory.bits = TIFF_read_data(m_file, m_order, type);
+        m_directory.bits = read_data(m_file, m_order, type);
         return ZEP_OK;
       }
       m_directory.bits = sum_bits_per_sample(count);
@@ -129,13 +129,13 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
                  : fail("unsupported image", ZEP_ERR_UNSUPPORTED);
     case kCompression:
       if (count != 1) return fail("expecting 1 entry in Compression");
-      if (TIFF_read_data(m_file, m_order, type) != 1) {
+      if (read_data(m_file, m_order, type) != 1) {
         return fail("compressed TIFF images not supported", ZEP_ERR_UNSUPPORTED);
       }
       return ZEP_OK;
     case kPhotometric:
       if (count != 1) return fail("expecting 1 entry in PhotometricInterp");
-      m_directory.photometric = TIFF_read_data(m_file, m_order, type);
+      m_directory.photometric = read_data(m_file, m_order, type);
       if (m_directory.photometric > kPalette)
         return fail("unsupported image type", ZEP_ERR_UNSUPPORTED);
       return ZEP_OK;
@@ -144,26 +144,26 @@ uint32_t Reader::read_entry(uint16_t tag, uint16_t type, uint32_t count, long va
       m_directory.strip_type = type;
       const uint64_t value_size = type == kTypeShort ? 2 : 4;
       if (count == 1) {
-        m_directory.strip_offsets = TIFF_read_data(m_file, m_order, type);
+        m_directory.strip_offsets = read_data(m_file, m_order, type);
       } else if (uint64_t{count} * value_size <= 4) {
         m_directory.strip_offsets = static_cast<uint32_t>(value_position);
       } else {
-        m_directory.strip_offsets = TIFF_read_ui32(m_file, m_order);
+        m_directory.strip_offsets = read_ui32(m_file, m_order);
       }
       return ZEP_OK;
     }
     case kSamplesPerPixel:
       if (count != 1) return fail("expecting 1 entry in SamplesPerPixeltr");
-      m_directory.samples = TIFF_read_data(m_file, m_order, type);
+      m_directory.samples = read_data(m_file, m_order, type);
       return ZEP_OK;
     case kRowsPerStrip:
       if (count != 1) return fail("expecting 1 entry in RowsPerStrip");
-      m_directory.rows_per_strip = TIFF_read_data(m_file, m_order, type);
+      m_directory.rows_per_strip = read_data(m_file, m_order, type);
       return ZEP_OK;
     case kColorMap:
       m_directory.has_colour_map = true;
       m_directory.palette_length = count / 3;
-      m_directory.colour_map_offset = TIFF_read_ui32(m_file, m_order);
+      m_directory.colour_map_offset = read_ui32(m_file, m_order);
       return ZEP_OK;
     default: return ZEP_OK;
   }
@@ -227,7 +227,7 @@ bool Reader::strip_offset(uint32_t strip, uint32_t &offset) {
   }
   const bool short_values = m_directory.strip_type == kTypeShort;
   if (!seek(m_directory.strip_offsets + uint64_t{strip} * (short_values ? 2 : 4))) return false;
-  offset = short_values ? TIFF_read_ui16(m_file, m_order) : TIFF_read_ui32(m_file, m_order);
+  offset = short_values ? read_ui16(m_file, m_order) : read_ui32(m_file, m_order);
   return !std::feof(m_file);
 }
 
@@ -283,10 +283,10 @@ uint32_t read_tiff(uint32_t handle, uint16_t action) {
   if (mark != 'M' && mark != 'I') return fail("Expecting 'MM' or 'II'");
   const auto order = static_cast<uint16_t>(mark);
   static_cast<void>(std::fgetc(stream));  // the second byte-order character is not looked at
-  if (TIFF_read_ui16(stream, order) != kMagic) return fail("Expecting 42");
+  if (read_ui16(stream, order) != kMagic) return fail("Expecting 42");
 
   Reader reader(*image, stream, order, file.size());
-  const uint32_t directory_offset = TIFF_read_ui32(stream, order);
+  const uint32_t directory_offset = read_ui32(stream, order);
   if (const uint32_t status = reader.read_directory(directory_offset); status != ZEP_OK)
     return status;
   if (const uint32_t status = reader.decide_format(handle); status != ZEP_OK) return status;

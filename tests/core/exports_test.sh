@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# libvrcw32.so exports its C API and nothing else: every defined dynamic symbol is a ZEP_ name,
+# and every ZEP_ function the public headers declare is among them.
+set -euo pipefail
+library=$1
+include_dir=$2
+
+exported=$(nm -D --defined-only "$library" | awk '{print $NF}' | sort -u)
+others=$(grep -v '^ZEP_' <<<"$exported" || true)
+if [ -n "$others" ]; then
+  echo "exported beyond the ZEP_ API:"
+  echo "$others"
+  exit 1
+fi
+
+declared=$(grep -hv '^#' "$include_dir"/vrcw32/zep*.h | grep -oE '\bZEP_[A-Za-z0-9_]+\(' |
+           tr -d '(' | sort -u)
+missing=$(comm -23 <(echo "$declared") <(echo "$exported"))
+if [ -n "$missing" ]; then
+  echo "declared in the public headers but not exported:"
+  echo "$missing"
+  exit 1
+fi
+echo "exports: $(wc -l <<<"$exported") ZEP_ functions, nothing else"
