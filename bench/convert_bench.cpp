@@ -6,6 +6,8 @@
 
 #include "imaging/convert/yuv422_rows.h"
 
+#include "bench/collecting_reporter.h"
+
 #include <benchmark/benchmark.h>
 #include <libyuv/convert.h>
 #include <libyuv/convert_argb.h>
@@ -106,22 +108,6 @@ const int kW = static_cast<int>(kWidth), kH = static_cast<int>(kHeight);
 
 void libyuv_yuy2_to_argb(Frames &f) { libyuv::YUY2ToARGB(f.yuv.data(), 2 * kW, f.argb.data(), 4 * kW, kW, kH); }
 
-// Collects each run's real time (milliseconds) by name while printing the usual console output.
-class CollectingReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run> &runs) override {
-    for (const Run &run : runs) m_ms[run.benchmark_name()] = run.GetAdjustedRealTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-  double ms(const std::string &name) const {
-    const auto found = m_ms.find(name);
-    return found == m_ms.end() ? 0.0 : found->second;
-  }
-
- private:
-  std::map<std::string, double> m_ms;
-};
-
 struct Comparison {
   const char *path;
   const char *ours;
@@ -166,7 +152,7 @@ int main(int argc, char **argv) {
   });
 
   benchmark::Initialize(&argc, argv);
-  CollectingReporter reporter;
+  vrc::bench::CollectingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
   const Comparison comparisons[] = {

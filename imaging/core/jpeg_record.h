@@ -37,6 +37,10 @@ struct ZEP_JPEG_RECORD {
   uint8_t spectral_start;
   uint8_t spectral_end;
   uint8_t approximation;
+  // Tables the codec derives from the fields above (ZEP_JPEG_make_Q_tables,
+  // ZEP_JPEG_generate_H_codetable_LUTs); they travel with the parameters.
+  uint32_t reciprocal[2][64];  // rounded 16.16 reciprocal of each quant entry, zigzag order
+  uint32_t huff_code[4][256];  // per Huffman table and symbol: code << 8 | code length; 0: none
 };
 
 namespace vrc::core {

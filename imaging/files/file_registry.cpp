@@ -4,6 +4,7 @@
 
 #include "imaging/files/tiff/tiff_layout.h"
 #include "vrcw32/zep_files.h"
+#include "vrcw32/zep_jpeg_files.h"
 
 #include <algorithm>
 #include <array>
@@ -57,10 +58,15 @@ bool is_jpeg(std::FILE *file) {
 }
 
 uint32_t write_bmp(uint32_t handle, uint16_t) { return ZEP_write_BMP_file(handle); }
+uint32_t read_jpeg(uint32_t handle, uint16_t) { return ZEP_JPEG_file_read(handle); }
+uint32_t write_jpeg(uint32_t handle, uint16_t) { return ZEP_JPEG_file_write(handle); }
 
 constexpr uint16_t kBmpTypes[] = {ZEP_Y8, ZEP_PALETTED, ZEP_RGB24, ZEP_BGR24, ZEP_BGRX32};
 constexpr uint16_t kTiffTypes[] = {ZEP_Y8, ZEP_Y16, ZEP_RGB24, ZEP_BGR24, ZEP_BGRX32, ZEP_YUV422};
 constexpr uint16_t kEpsTypes[] = {ZEP_Y8, ZEP_PALETTED, ZEP_RGB24};
+// A JPEG file is written from a JPEG image; these are the pictures ZEP_JPEG_compress codes.
+constexpr uint16_t kJpegTypes[] = {ZEP_Y8,     ZEP_RGB24,  ZEP_BGR24, ZEP_RGBX32,
+                                   ZEP_BGRX32, ZEP_XBGR32, ZEP_YUV422};
 constexpr uint16_t kRawTypes[] = {ZEP_Y8,     ZEP_PALETTED, ZEP_RGB8,   ZEP_RGB15,  ZEP_RGB16,
                                   ZEP_RGB24,  ZEP_BGR24,    ZEP_RGBX32, ZEP_BGRX32, ZEP_XBGR32,
                                   ZEP_YUV422, ZEP_Y16,      ZEP_XRGB32, ZEP_DATA32, ZEP_HSI};
@@ -70,8 +76,8 @@ const FileFormatRow kRows[] = {
     {ZEP_FILE_TIFF, "TIFF", "tif tiff", is_tiff, ZEP_read_TIFF_file, ZEP_write_TIFF_file,
      kTiffTypes},
     {ZEP_FILE_EPS, "EPS", "eps", is_eps, ZEP_read_EPS_file, ZEP_write_EPS_file, kEpsTypes},
-    // Recognised by content; reading and writing belong to the JPEG codec.
-    {ZEP_FILE_JPEG, "JPEG", "jpg jpeg", is_jpeg, nullptr, nullptr, {}},
+    // Read into and written from JPEG images (ZEP_JPEG_image_create).
+    {ZEP_FILE_JPEG, "JPEG", "jpg jpeg", is_jpeg, read_jpeg, write_jpeg, kJpegTypes},
     {ZEP_FILE_RAW, "RAW", "raw", nullptr, nullptr, ZEP_write_raw_data_file, kRawTypes},
 };
 

@@ -8,6 +8,9 @@
 #include "vrcw32/zep_convert.h"
 #include "vrcw32/zep_core.h"
 #include "vrcw32/zep_files.h"
+#include "vrcw32/zep_jpeg.h"
+#include "vrcw32/zep_jpeg_files.h"
+#include "vrcw32/zep_process.h"
 #include "vrcw32/zep_mraw.h"
 
 #endif

@@ -94,7 +94,8 @@ TEST(Dispatch, ReadsEveryFormatByDetectionOnly) {
   ScopedImage source;
   vrc::test::make_pattern_image(source, 6, 3, ZEP_RGB24);
   for (const vrc::files::FileFormatRow &row : vrc::files::file_format_rows()) {
-    if (row.read == nullptr || row.write == nullptr) continue;
+    // JPEG files hold JPEG images, lossily: their dispatch is tested with the JPEG files.
+    if (row.read == nullptr || row.write == nullptr || row.code == ZEP_FILE_JPEG) continue;
     const uint16_t format = row.code;
     const std::string path = folder.file("image" + std::to_string(format));
     ZEP_image_set_outfilename(source, path.c_str());

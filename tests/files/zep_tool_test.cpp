@@ -4,19 +4,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using vrc::test::TempDir;
 using vrc::test::ToolRun;
 using vrc::test::zep;
 
-TEST(ZepTool, DemoWritesEveryImageAsBmpTiffAndEps) {
+TEST(ZepTool, DemoWritesEveryImageAsBmpTiffEpsAndJpeg) {
   TempDir folder;
   const std::string out = folder.file("demo");
   const ToolRun demo = zep("demo " + out);
   ASSERT_EQ(demo.status, 0) << demo.output;
   for (const char *label : {"grey", "rgb24", "bgrx32", "rgb16", "yuv422", "grey16"}) {
-    for (const char *extension : {"bmp", "tif", "eps"}) {
+    for (const char *extension : {"bmp", "tif", "eps", "jpg"}) {
       const std::string path = out + "/" + label + "." + extension;
       const ToolRun info = zep("info " + path);
       EXPECT_EQ(info.status, 0) << path << "\n" << info.output;
@@ -40,6 +42,38 @@ TEST(ZepTool, ConvertsBetweenFormatsAndPixelFormats) {
   EXPECT_EQ(vrc::test::read_file(folder.file("grey.data")).size(), 320u * 240u);
 }
 
+const vrc::test::Bytes kDqt = {0xFF, 0xDB};
+
+// JPEG files: written at a chosen quality scale, described (size, sampling, tables, frames) and
+// read back as pictures for other files.
+TEST(ZepTool, ConvertsToAndFromJpeg) {
+  TempDir folder;
+  ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
+  const ToolRun fine = zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("fine.jpg") + " --quality 64");
+  ASSERT_EQ(fine.status, 0) << fine.output;
+  EXPECT_EQ(fine.output, folder.file("fine.jpg") + ": JPEG, 320 x 240, RGB24\n");
+  ASSERT_EQ(zep("convert " + folder.file("d/rgb24.bmp") + " " + folder.file("coarse.jpeg") + " --quality 8").status, 0);
+  // The first luminance quantiser is 16 at scale 16: twice that at 8, a quarter at 64.
+  const auto first_quantiser = [&](const char *name) {
+    const vrc::test::Bytes file = vrc::test::read_file(folder.file(name));
+    const std::size_t dqt = std::search(file.begin(), file.end(), kDqt.begin(), kDqt.end()) - file.begin();
+    return dqt + 5 < file.size() ? int{file[dqt + 5]} : -1;
+  };
+  EXPECT_EQ(first_quantiser("fine.jpg"), 4);
+  EXPECT_EQ(first_quantiser("coarse.jpeg"), 32);
+  const ToolRun info = zep("info " + folder.file("fine.jpg"));
+  EXPECT_NE(info.output.find("format:  JPEG\nsize:    320 x 240\nsampling: YUV 4:2:2 (Y 2 x 1, U and V 1 x 1)\n"
+                             "tables:  2 quantisation; Huffman DC0 DC1 AC0 AC1\nframes:  1\n"),
+            std::string::npos)
+      << info.output;
+  EXPECT_NE(zep("info " + folder.file("d/grey.jpg")).output.find("sampling: grey (1 component)"), std::string::npos);
+  const ToolRun back = zep("convert " + folder.file("fine.jpg") + " " + folder.file("back.tif"));
+  ASSERT_EQ(back.status, 0) << back.output;
+  EXPECT_EQ(back.output, folder.file("back.tif") + ": TIFF, 320 x 240, RGB24\n");
+  const ToolRun grey = zep("convert " + folder.file("d/grey.jpg") + " " + folder.file("grey.bmp"));
+  EXPECT_EQ(grey.output, folder.file("grey.bmp") + ": BMP, 320 x 240, Y8\n");
+}
+
 TEST(ZepTool, MistakesGetAMessageAndAStatus) {
   TempDir folder;
   ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
@@ -55,7 +89,9 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
       {"info " + folder.file("none.bmp"), 1, "none.bmp: cannot open the file"},
       {"info " + folder.file("notes.txt"), 1, "not a BMP, TIFF, EPS or JPEG file"},
       {"convert " + folder.file("d/grey.bmp"), 2, "needs an input and an output file"},
-      {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|raw"},
+      {"convert " + folder.file("d/grey.bmp") + " x.png", 2, "add --format bmp|tiff|eps|jpeg|raw"},
+      {"convert " + folder.file("d/grey.bmp") + " x.jpg --quality 0", 2, "'0' is not a JPEG quality scale from 1 to 400"},
+      {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.jpg"), 1, "JPEG files cannot hold Y16 pixels"},
       {"convert " + folder.file("d/grey.bmp") + " x.bmp --type NOPE", 2, "unknown pixel format 'NOPE'"},
       {"convert " + folder.file("d/grey16.tif") + " " + folder.file("x.bmp"), 1, "BMP files cannot hold Y16 pixels"},
       {"convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp", 1, "Failed to create file"},

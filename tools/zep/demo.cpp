@@ -1,6 +1,6 @@
 // zep demo: makes images in several pixel formats, prints their parameters and writes each in
-// every file format the library both reads and writes (BMP, TIFF, EPS) into a folder. Formats a
-// file cannot hold are converted first to RGB24 (colour) or Y8 (grey).
+// every file format the library both reads and writes (BMP, TIFF, EPS, JPEG) into a folder. Formats
+// a file cannot hold are converted first to RGB24 (colour) or Y8 (grey).
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>

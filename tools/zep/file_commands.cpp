@@ -3,6 +3,7 @@
 #include "tools/zep/zep_tool.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -32,6 +33,7 @@ int describe(const char *path) {
                  format_list(is_detected, Case::Upper, ", ", " or ").c_str());
     return kFailure;
   }
+  if (format == ZEP_FILE_JPEG) return describe_jpeg(path);
   Image image;
   if (!image.created()) return kFailure;
   ZEP_image_set_infilename(image.handle(), path);
@@ -60,14 +62,26 @@ struct ConvertRequest {
   const char *output = nullptr;
   std::optional<uint16_t> format;
   std::optional<uint16_t> type;
+  std::optional<uint16_t> quality;  // JPEG quality scale
 };
 
-// Parses IN OUT [--format F] [--type T]; a message and nullopt on a mistake.
+constexpr unsigned kLowestQuality = 1;
+constexpr unsigned kHighestQuality = 400;
+
+std::optional<uint16_t> quality_from_text(const char *text) {
+  char *end = nullptr;
+  const unsigned long value = std::strtoul(text, &end, 10);
+  if (end == text || *end != '\0' || value < kLowestQuality || value > kHighestQuality)
+    return std::nullopt;
+  return static_cast<uint16_t>(value);
+}
+
+// Parses IN OUT [--format F] [--type T] [--quality Q]; a message and nullopt on a mistake.
 std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
   ConvertRequest request;
   for (int i = 0; i < argc; ++i) {
     const std::string argument = argv[i];
-    if (argument == "--format" || argument == "--type") {
+    if (argument == "--format" || argument == "--type" || argument == "--quality") {
       if (i + 1 == argc) {
         std::fprintf(stderr, "zep: %s needs a value\n", argv[i]);
         return std::nullopt;
@@ -78,6 +92,15 @@ std::optional<ConvertRequest> parse_convert(int argc, char **argv) {
         if (!request.format) {
           std::fprintf(stderr, "zep: unknown output format '%s' (%s)\n", value,
                        format_list(is_writable, Case::Lower, ", ", " or ").c_str());
+          return std::nullopt;
+        }
+      } else if (argument == "--quality") {
+        request.quality = quality_from_text(value);
+        if (!request.quality) {
+          std::fprintf(stderr,
+                       "zep: quality '%s' is not a JPEG quality scale from %u to %u (16: the "
+                       "standard tables, larger: finer)\n",
+                       value, kLowestQuality, kHighestQuality);
           return std::nullopt;
         }
       } else {
@@ -159,7 +182,7 @@ int run_convert(int argc, char **argv) {
     }
     result = converted.handle();
   }
-  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format))) {
+  if (ZEP_IS_ERROR(write_image(result, request->output, *request->format, request->quality))) {
     std::fprintf(stderr, "zep: cannot write '%s'\n", request->output);
     return kFailure;
   }

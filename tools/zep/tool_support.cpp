@@ -126,6 +126,7 @@ bool path_fits(const char *path) {
 }
 
 uint32_t read_whole_image(uint32_t image, const char *path) {
+  if (ZEP_image_find_file_format(path) == ZEP_FILE_JPEG) return read_jpeg(image, path);
   ZEP_image_set_infilename(image, path);
   // The header first, so that the image is read as one strip of all its lines.
   const uint32_t status = ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_CLOSE);
@@ -135,7 +136,9 @@ uint32_t read_whole_image(uint32_t image, const char *path) {
   return ZEP_image_read(image, ZEP_FILE_UNKNOWN, ZEP_ACTION_DATA);
 }
 
-uint32_t write_image(uint32_t image, const char *path, uint16_t format) {
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality) {
+  if (format == ZEP_FILE_JPEG) return write_jpeg(image, path, quality);
   ZEP_image_set_outfilename(image, path);
   return ZEP_image_write(image, 0, format, ZEP_ACTION_DATA);
 }

@@ -58,12 +58,21 @@ class Image {
   uint32_t m_handle;
 };
 
-// Reads the whole of `path` into `image` as one strip; the library's status.
+// Reads the whole of `path` into `image` as one strip (a JPEG file decoded to Y8 or RGB24); the
+// library's status.
 uint32_t read_whole_image(uint32_t image, const char *path);
-// Writes `image` to `path` in `format`; the library's status.
-uint32_t write_image(uint32_t image, const char *path, uint16_t format);
+// Writes `image` to `path` in `format`, a JPEG file at the quality scale `quality` (the library's
+// default without one); the library's status.
+uint32_t write_image(uint32_t image, const char *path, uint16_t format,
+                     std::optional<uint16_t> quality = std::nullopt);
 // Whether `format` can store pixels of `type` as they are.
 bool format_accepts(uint16_t format, uint32_t type);
+
+// JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
+// printing what one holds.
+uint32_t read_jpeg(uint32_t image, const char *path);
+uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality);
+int describe_jpeg(const char *path);
 
 int run_demo(int argc, char **argv);
 // Writes the demo's numbered sequence seq001.tif ... into `folder`.
