@@ -1,12 +1,14 @@
 // zep seq as a user runs it: the numbered sequence that zep demo writes packed into an MRAW file,
-// described, unpacked and extracted again with the same pixels; and the messages and exit
-// statuses of mistakes.
+// described, unpacked and extracted again with the same pixels, and into an MJPEG file, which
+// holds all but the last frame, within the codec's loss; and the messages and exit statuses of
+// mistakes.
 #include "files/mraw_support.h"
 #include "files/zep_run.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 
 namespace {
@@ -41,14 +43,19 @@ class ZepSeq : public testing::Test {
     ZEP_Init();
     ZEP_ErrHandlerInstall(nullptr);
     ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
+    const ToolRun pack = zep("seq pack " + sequence + demo_frames());
+    ASSERT_EQ(pack.status, 0) << pack.output;
+    EXPECT_EQ(pack.output, sequence + ": MRAW, 12 frames, 160 x 120, RGB24\n");
+  }
+
+  // The twelve frames zep demo writes, each after a blank.
+  std::string demo_frames() const {
     std::string inputs;
     for (uint32_t frame = 1; frame <= 12; ++frame) {
       inputs += ' ';
       inputs += numbered(folder.file("d/seq"), frame, ".tif");
     }
-    const ToolRun pack = zep("seq pack " + sequence + inputs);
-    ASSERT_EQ(pack.status, 0) << pack.output;
-    EXPECT_EQ(pack.output, sequence + ": MRAW, 12 frames, 160 x 120, RGB24\n");
+    return inputs;
   }
 
   TempDir folder;
@@ -113,7 +120,7 @@ TEST_F(ZepSeq, MistakesGetAMessageAndAStatus) {
       {"seq info", 2, "seq info needs one sequence file"},
       {"seq info " + sequence + " --loud", 2, "seq info: unknown option '--loud'"},
       {"seq info " + folder.file("none.mraw"), 1, "none.mraw: cannot open the file"},
-      {"seq info " + d + "grey.bmp", 1, "grey.bmp: not a sequence file (MRAW)"},
+      {"seq info " + d + "grey.bmp", 1, "grey.bmp: not a sequence file (MRAW or MJPEG)"},
       {"seq info " + folder.file("broken.mraw"), 1, "broken.mraw: cannot read the MRAW file"},
       {"seq extract " + sequence + " 13 x.bmp", 1, "no frame 13 (the file holds frames 1 to 12)"},
       {"seq extract " + sequence + " 0 x.bmp", 1, "no frame 0"},
@@ -124,6 +131,8 @@ TEST_F(ZepSeq, MistakesGetAMessageAndAStatus) {
       {"seq pack " + folder.file("x.mraw") + " --quality 50 " + d + "seq001.tif", 2,
        "--quality does not apply to MRAW"},
       {"seq pack " + folder.file("x.mraw"), 2, "needs an output sequence file and image files"},
+      {"seq pack " + folder.file("x.mjpg") + " --quality 401 " + d + "seq001.tif", 2,
+       "--quality needs a JPEG quality scale from 1 to 400"},
       {"seq pack " + folder.file("x.mraw") + " " + d + "seq001.tif " + d + "rgb24.tif", 1,
        "320 x 240, but the first frame is 160 x 120"},
       {"seq pack " + folder.file("x.mraw") + " " + d + "seq001.tif " + d + "missing.tif", 1,
@@ -138,6 +147,44 @@ TEST_F(ZepSeq, MistakesGetAMessageAndAStatus) {
     EXPECT_NE(run.output.find(c.message), std::string::npos) << c.arguments << "\n" << run.output;
   }
   EXPECT_FALSE(std::filesystem::exists(folder.file("x.mraw")));  // a failed pack leaves no file
+}
+
+// The mean absolute difference of two byte strings of one length.
+double mean_difference(const Bytes &a, const Bytes &b) {
+  EXPECT_EQ(a.size(), b.size());
+  double sum = 0;
+  for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) sum += std::abs(a[i] - b[i]);
+  return a.empty() ? 0 : sum / static_cast<double>(a.size());
+}
+
+TEST_F(ZepSeq, MjpegPackTellsWhatTheFileHoldsAndUnpacksWithinTheCodecsLoss) {
+  const std::string mjpeg = folder.file("demo.mjpg");
+  const ToolRun pack = zep("seq pack " + mjpeg + demo_frames() + " --quality 64");
+  ASSERT_EQ(pack.status, 0) << pack.output;
+  EXPECT_EQ(pack.output, mjpeg + ": MJPEG, 11 frames, 160 x 120, RGB24\nnote: " + mjpeg +
+                             " holds 11 of the 12 frames given: an MJPEG file keeps its newest "
+                             "frame in memory until the next one arrives, so the last frame "
+                             "given is not stored (give it twice to keep it)\n");
+
+  const ToolRun info = zep("seq info " + mjpeg);
+  ASSERT_EQ(info.status, 0) << info.output;
+  EXPECT_NE(info.output.find("format:  MJPEG\nframes:  11\nsize:    160 x 120\npixels:  RGB24\n"),
+            std::string::npos)
+      << info.output;
+
+  const std::string prefix = folder.file("mjpeg-out/frame");
+  const ToolRun unpack = zep("seq unpack " + mjpeg + " " + prefix + ".tif");
+  ASSERT_EQ(unpack.status, 0) << unpack.output;
+  for (uint32_t frame = 1; frame <= 11; ++frame) {
+    EXPECT_LT(mean_difference(pixels_of(numbered(prefix, frame, ".tif")),
+                              pixels_of(numbered(folder.file("d/seq"), frame, ".tif"))),
+              4.0)
+        << frame;
+  }
+  EXPECT_FALSE(std::filesystem::exists(numbered(prefix, 12, ".tif")));
+  const ToolRun extract = zep("seq extract " + mjpeg + " 11 " + folder.file("eleven.bmp"));
+  ASSERT_EQ(extract.status, 0) << extract.output;
+  EXPECT_EQ(pixels_of(folder.file("eleven.bmp")), pixels_of(numbered(prefix, 11, ".tif")));
 }
 
 }  // namespace

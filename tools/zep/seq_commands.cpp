@@ -1,6 +1,6 @@
-// zep seq: sequence files (MRAW) on the command line. `info` describes a file and its frames,
-// `extract` writes one frame as an image file, `pack` makes a sequence of image files, `unpack`
-// writes every frame to numbered image files.
+// zep seq: sequence files (MRAW, MJPEG) on the command line. `info` describes a file and its
+// frames, `extract` writes one frame as an image file, `pack` makes a sequence of image files,
+// `unpack` writes every frame to numbered image files.
 #include "tools/zep/progress.h"
 #include "tools/zep/sequence_format.h"
 #include "tools/zep/zep_tool.h"
@@ -36,8 +36,10 @@ std::optional<SeqRequest> parse_seq(std::string_view subcommand, int argc, char 
       request.list_frames = true;
     } else if (argument == "--quality" && subcommand == "pack") {
       const long quality = i + 1 < argc ? std::strtol(argv[i + 1], nullptr, 10) : 0;
-      if (quality < 1 || quality > 100) {
-        std::fprintf(stderr, "zep: --quality needs a value from 1 to 100\n");
+      if (quality < 1 || quality > 400) {
+        std::fprintf(stderr,
+                     "zep: --quality needs a JPEG quality scale from 1 to 400 (16: the standard "
+                     "tables)\n");
         return std::nullopt;
       }
       request.quality = static_cast<uint16_t>(quality);

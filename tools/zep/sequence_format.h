@@ -66,5 +66,6 @@ std::string sequence_format_names(bool with_extensions);
 
 // The table's rows, one per format.
 const SequenceFormat &mraw_sequence_format();
+const SequenceFormat &mjpeg_sequence_format();
 
 }  // namespace zep_tool

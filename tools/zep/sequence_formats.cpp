@@ -9,7 +9,7 @@ namespace {
 
 using FormatRow = const SequenceFormat &(*)();
 
-constexpr FormatRow kFormats[] = {&mraw_sequence_format};
+constexpr FormatRow kFormats[] = {&mraw_sequence_format, &mjpeg_sequence_format};
 
 bool same_text_ignoring_case(std::string_view a, std::string_view b) {
   return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
