@@ -38,6 +38,10 @@ inline constexpr uint32_t kBufferReserve = 1024;
 // Bytes added to a frame's size for the buffers.
 inline constexpr uint32_t kBufferMargin = 10000;
 
+// The size of a record buffer for frames of `image`: its strip's bytes (from its width and depth
+// where a JPEG image keeps no line length) and the margin.
+uint64_t buffer_size_for(const ZEP_IMAGE &image);
+
 // Writes the record's comment fields into record.comment.
 void ZEP_MJPEG_CommentStringGenerate(ZEP_MJPEG_RECORD &record);
 // Takes the comment fields of `bytes` into the record (and the bytes into record.comment).

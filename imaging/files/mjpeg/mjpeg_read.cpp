@@ -187,9 +187,7 @@ uint32_t read_frame(Slot &slot, int32_t frame, uint32_t destination) {
 // than the file could hold.
 uint32_t allocate_read_buffers(Slot &slot) {
   const ZEP_IMAGE *image = core::image_record(slot.record.jpeg_image);
-  const uint64_t frame_bytes =
-      uint64_t{image->bytes_per_line} * image->lines_this_strip + kBufferMargin;
-  const uint64_t size = std::min(frame_bytes, slot.file_bytes + kBufferReserve);
+  const uint64_t size = std::min(buffer_size_for(*image), slot.file_bytes + kBufferReserve);
   return allocate_buffers(kOpenName, slot.record, static_cast<uint32_t>(size));
 }
 

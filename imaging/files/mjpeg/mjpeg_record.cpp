@@ -58,6 +58,13 @@ std::vector<uint8_t> later_record_header(const ZEP_MJPEG_RECORD &record) {
 
 }  // namespace
 
+uint64_t buffer_size_for(const ZEP_IMAGE &image) {
+  const uint64_t line_bytes = image.bytes_per_line != 0
+                                  ? image.bytes_per_line
+                                  : (uint64_t{image.width} * image.depth + 7) / 8;
+  return line_bytes * image.lines_this_strip + kBufferMargin;
+}
+
 void ZEP_MJPEG_CommentStringGenerate(ZEP_MJPEG_RECORD &record) {
   uint8_t *out = record.comment;
   std::memset(out, 0, ZEP_MJPEG_COMMENT_BYTES);

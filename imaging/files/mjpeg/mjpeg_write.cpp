@@ -46,7 +46,7 @@ bool ZEP_MJPEG_BufferWrite(const ZEP_MJPEG_RECORD &record, uint32_t index) {
 // The first frame fixes the buffers' size (the frame's uncompressed size and a margin) and the
 // geometry every later frame must have.
 uint32_t start_file(Slot &slot, const ZEP_IMAGE &image) {
-  const uint64_t size = uint64_t{image.bytes_per_line} * image.lines_this_strip + kBufferMargin;
+  const uint64_t size = buffer_size_for(image);
   if (size > UINT32_MAX) return core::report(kWriteName, ZEP_ERR_MEMORY, message::kBufferFailed);
   const uint32_t status = allocate_buffers(kWriteName, slot.record, static_cast<uint32_t>(size));
   if (ZEP_IS_ERROR(status)) return status;
