@@ -3,11 +3,10 @@
 // Slot changes happen under the library lock.
 #include "imaging/files/mjpeg/mjpeg_slots.h"
 
-#include "imaging/core/init.h"
 #include "imaging/core/library_lock.h"
 #include "imaging/core/report.h"
+#include "imaging/files/sequence_handles.h"
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -21,41 +20,19 @@ constexpr char kGetInfoName[] = "ZEP_MJPEG_GetInfo";
 constexpr char kSetInfoName[] = "ZEP_MJPEG_SetInfo";
 constexpr char kCopyName[] = "ZEP_MJPEG_CopyParams";
 
-std::array<Slot, ZEP_MJPEG_HANDLES> g_slots{};
-
-void clear_slot(Slot &slot) { std::memset(static_cast<void *>(&slot), 0, sizeof slot); }
+HandleTable<Slot, ZEP_MJPEG_HANDLES> g_slots;
 
 }  // namespace
 
 uint32_t allocate_slot(const char *function_name, uint32_t *handle_out, const char *path, Mode mode,
                        Slot *&slot) {
-  if (handle_out == nullptr || path == nullptr)
-    return core::report(function_name, ZEP_ERR_BAD_PARAM, message::kNullArgument);
-  core::ensure_initialised();  // so that start-up cannot clear the slot taken here
-  core::LibraryLock lock;
-  for (uint32_t handle = 1; handle < ZEP_MJPEG_HANDLES; ++handle) {
-    Slot &candidate = g_slots[handle];
-    if (candidate.record.in_use != 0) continue;
-    clear_slot(candidate);
-    ZEP_MJPEG_RECORD &record = candidate.record;
-    record.handle = handle;
-    record.self = &record;
-    std::snprintf(record.file_name, sizeof record.file_name, "%s", path);
-    record.in_use = 1;
-    candidate.mode = mode;
-    slot = &candidate;
-    *handle_out = handle;
-    return ZEP_OK;
-  }
-  return core::report(function_name, ZEP_ERR_NO_HANDLES | 9, message::kNoHandles);
+  const uint32_t status =
+      g_slots.allocate(function_name, handle_out, path, message::kNoHandles, slot);
+  if (!ZEP_IS_ERROR(status)) slot->mode = mode;
+  return status;
 }
 
-Slot *slot_in_use(uint32_t handle) {
-  if (handle == 0 || handle >= ZEP_MJPEG_HANDLES) return nullptr;
-  core::LibraryLock lock;
-  Slot &slot = g_slots[handle];
-  return slot.record.in_use != 0 ? &slot : nullptr;
-}
+Slot *slot_in_use(uint32_t handle) { return g_slots.in_use(handle); }
 
 uint32_t allocate_buffers(const char *function_name, ZEP_MJPEG_RECORD &record, uint32_t size) {
   for (uint32_t index = 0; index < 2; ++index) {
@@ -75,7 +52,7 @@ bool release_slot(Slot &slot) {
   bool closed = true;
   if (record.file != nullptr) closed = std::fclose(record.file) == 0;
   if (record.jpeg_image != 0) ZEP_image_destroy(record.jpeg_image);
-  clear_slot(slot);
+  g_slots.clear(slot);
   return closed;
 }
 
@@ -89,11 +66,8 @@ extern "C" {
 
 uint32_t ZEP_MJPEG_InitLibrary(void) {
   return api_guard(kInitName, [] {
-    vrc::core::LibraryLock lock;
-    for (uint32_t handle = 1; handle < ZEP_MJPEG_HANDLES; ++handle) {
-      Slot &slot = g_slots[handle];
-      if (slot.record.in_use != 0) release_slot(slot);
-    }
+    // Streams still open are closed and buffers freed; a failure cannot be told to anyone.
+    g_slots.release_all([](Slot &slot) { release_slot(slot); });
     return ZEP_OK;
   });
 }
@@ -107,21 +81,16 @@ uint32_t ZEP_MJPEG_Close(uint32_t handle) {
 }
 
 uint32_t ZEP_MJPEG_GetInfo(uint32_t handle, ZEP_MJPEG_RECORD *record_out) {
-  return api_guard(kGetInfoName, [&] {
-    const Slot *slot = slot_in_use(handle);
-    if (slot == nullptr) return ZEP_ERR_BAD_PARAM;
-    if (record_out == nullptr)
-      return report(kGetInfoName, ZEP_ERR_BAD_PARAM, message::kNullArgument);
-    *record_out = slot->record;
-    return ZEP_OK;
-  });
+  return api_guard(kGetInfoName,
+                   [&] { return g_slots.get_info(kGetInfoName, handle, record_out); });
 }
 
 uint32_t ZEP_MJPEG_SetInfo(uint32_t handle, const ZEP_MJPEG_RECORD *record) {
   return api_guard(kSetInfoName, [&] {
     Slot *slot = slot_in_use(handle);
     if (slot == nullptr) return ZEP_ERR_BAD_PARAM;
-    if (record == nullptr) return report(kSetInfoName, ZEP_ERR_BAD_PARAM, message::kNullArgument);
+    if (record == nullptr)
+      return report(kSetInfoName, ZEP_ERR_BAD_PARAM, vrc::files::kNullArgument);
     ZEP_MJPEG_RECORD &kept = slot->record;
     ZEP_MJPEG_RECORD copy = *record;
     // What ties the record to its slot, stream and memory stays the library's.

@@ -15,7 +15,6 @@ inline constexpr char kBufferFailed[] = "Failed to allocate JPEG memory buffer";
 inline constexpr char kBufferTooSmall[] = "Internal: ZEP_MJPEG_DATA_BUFFER_SIZE not large enough.";
 inline constexpr char kExpectingFf[] = "Expecting 0xFF marker";
 inline constexpr char kExpectingEoi[] = "Expecting EOI marker";
-inline constexpr char kNullArgument[] = "Null argument";
 // Malformed files and calls that do not fit the handle.
 inline constexpr char kNoComment[] = "MJPEG frame comment not found";
 inline constexpr char kCommentLength[] = "MJPEG frame comment length is not 298";

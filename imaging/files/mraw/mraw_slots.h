@@ -15,7 +15,6 @@ inline constexpr char kNoHandles[] = "Run out of MRAW handles";
 inline constexpr char kOpenFailed[] = "Failed to open MRAW file";
 inline constexpr char kNotMraw[] = "The file is not recognised as a valid ZEP MRAW file.";
 inline constexpr char kInvalidImage[] = "Invalid ZEP image";
-inline constexpr char kNullArgument[] = "Null argument";
 // Malformed files.
 inline constexpr char kPerFileTruncated[] = "MRAW per-file header is truncated";
 inline constexpr char kPerFileLength[] = "MRAW per-file header length is invalid";
