@@ -315,6 +315,9 @@ TEST_F(MjpegReading, CallsOnAReaderOrWriterThatDoNotFitAreRefused) {
   make_jpeg_frame(jpeg, ZEP_YUV422, 32, 8, 1);
   EXPECT_EQ(ZEP_MJPEG_ImageWrite(mjpeg.handle, jpeg), ZEP_ERR_STATE);
   EXPECT_EQ(errors.last().message, "MJPEG file is open for reading");
+  ScopedImage plain;
+  EXPECT_TRUE(ZEP_IS_ERROR(ZEP_MJPEG_ImageRead(mjpeg.handle, plain, 2)));
+  EXPECT_EQ(read(0), 1u);  // the refused read did not move the stream
   ScopedMjpeg writer;
   ASSERT_EQ(ZEP_MJPEG_Create(&writer.handle, folder.file("w.mjpg").c_str(), 0, 0), 0u);
   EXPECT_EQ(ZEP_MJPEG_ImageRead(writer.handle, jpeg, 1), ZEP_ERR_STATE);

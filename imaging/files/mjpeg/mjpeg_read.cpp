@@ -262,7 +262,10 @@ uint32_t ZEP_MJPEG_ImageRead(uint32_t handle, uint32_t jpeg_image, int32_t frame
     Slot *slot = slot_in_use(handle);
     if (slot == nullptr) return ZEP_ERR_BAD_PARAM;
     const uint32_t status = check_reading(kReadName, *slot);
-    return ZEP_IS_ERROR(status) ? status : read_frame(*slot, frame, jpeg_image);
+    if (ZEP_IS_ERROR(status)) return status;
+    // A destination that cannot take the frame is refused before the stream moves.
+    const vrc::jpeg::JpegImage target = vrc::jpeg::jpeg_image_of(jpeg_image, kReadName);
+    return target.record == nullptr ? target.status : read_frame(*slot, frame, jpeg_image);
   });
 }
 
