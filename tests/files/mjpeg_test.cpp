@@ -523,6 +523,23 @@ TEST(MjpegGarbage, BytesBetweenRecordsAreSteppedOver) {
   EXPECT_EQ(errors.count(), 0u);
 }
 
+TEST(MjpegGarbage, MarkerLikeTableBytesInTheFirstRecordAreSteppedOver) {
+  ErrorCapture errors;
+  TempDir folder;
+  const std::string path = folder.file("tables.mjpg");
+  const std::vector<Bytes> data = write_mjpeg(path, ZEP_Y8, 16, 8, 3);
+  Bytes file = vrc::test::read_file(path);
+  file[330] = 0xFF;  // two quantisation table entries that read as an SOS marker
+  file[331] = 0xDA;
+  vrc::test::write_file(path, file);
+  ScopedMjpeg mjpeg;
+  ASSERT_EQ(ZEP_MJPEG_Open(&mjpeg.handle, path.c_str()), 0u);
+  ScopedJpeg jpeg;
+  ASSERT_EQ(ZEP_MJPEG_ImageRead(mjpeg.handle, jpeg, 1), 0u);
+  EXPECT_EQ(jpeg_data(jpeg), data[0]);
+  EXPECT_EQ(errors.count(), 0u);
+}
+
 // Well-formed seeds for the fuzz target.
 TEST(MjpegSeeds, WellFormedFiles) {
   ErrorCapture errors;

@@ -83,21 +83,27 @@ int read_u16(std::FILE *file) {
   return high < 0 || low < 0 ? -1 : high << 8 | low;
 }
 
-// Finds SOS after the comment: right after it in a later record, after the DQT and SOF0
-// segments in the first, whose SOS fields are then stepped over.
+// Finds SOS after the comment: right after it in a later record; in the first, after the DQT
+// and SOF0 segments, which are stepped over by their lengths (table bytes may look like
+// markers), and the SOS fields are stepped over too.
 uint32_t find_data(const Slot &slot, uint64_t after_comment, bool first_record) {
   std::FILE *file = slot.record.file;
   std::fseek(file, static_cast<long>(after_comment), SEEK_SET);
-  int previous = -1;
-  for (int byte = std::getc(file); byte >= 0; previous = byte, byte = std::getc(file)) {
-    if (previous != jpeg::marker::kPrefix || byte != jpeg::marker::kSos) continue;
-    if (!first_record) return ZEP_OK;
-    const int length = read_u16(file);
-    if (length < 2 || std::fseek(file, length - 2, SEEK_CUR) != 0)
-      return core::report(kReadName, ZEP_ERR_UNEXPECTED, message::kTruncated);
-    return ZEP_OK;
+  if (!first_record) {
+    const bool sos =
+        std::getc(file) == jpeg::marker::kPrefix && std::getc(file) == jpeg::marker::kSos;
+    return sos ? ZEP_OK : core::report(kReadName, ZEP_ERR_UNEXPECTED, message::kNoScan);
   }
-  return core::report(kReadName, ZEP_ERR_UNEXPECTED, message::kNoScan);
+  for (;;) {
+    const int prefix = std::getc(file);
+    const int code = std::getc(file);
+    const int length = read_u16(file);
+    if (prefix != jpeg::marker::kPrefix || code < 0 || length < 2)
+      return core::report(kReadName, ZEP_ERR_UNEXPECTED, message::kNoScan);
+    if (std::fseek(file, length - 2, SEEK_CUR) != 0)
+      return core::report(kReadName, ZEP_ERR_UNEXPECTED, message::kTruncated);
+    if (code == jpeg::marker::kSos) return ZEP_OK;
+  }
 }
 
 // Reads the record the stream stands at (after any bytes before its marker) into `record` and
