@@ -1,6 +1,7 @@
 // Format detection by content, the read and write dispatch, and raw pixel data written whole or
 // strip by strip. Also writes the seed corpora that the fuzz targets start from.
 #include "files/files_support.h"
+#include "files/jpeg_support.h"
 #include "imaging/files/file_registry.h"
 
 #include <gtest/gtest.h>
@@ -267,10 +268,16 @@ TEST(Registry, DescribesEveryRowAndWritesEveryStoredType) {
     EXPECT_EQ(info->writable, rows[i].write != nullptr ? 1u : 0u) << info->name;
     for (uint16_t type : rows[i].stored_types) {
       EXPECT_EQ(ZEP_file_format_stores_type(info->code, type), 1u);
-      ScopedImage image;
-      vrc::test::make_pattern_image(image, 6, 3, type);
-      ZEP_image_set_outfilename(image, folder.file("stored").c_str());
-      EXPECT_EQ(ZEP_image_write(image, 0, info->code, ZEP_ACTION_DATA), 0u) << info->name << " " << type;
+      ScopedImage picture;
+      vrc::test::make_pattern_image(picture, 6, 3, type);
+      // A JPEG file is written from a JPEG image: the picture is compressed first.
+      vrc::test::ScopedJpeg jpeg;
+      const bool compressed = info->code == ZEP_FILE_JPEG;
+      if (compressed) ASSERT_EQ(vrc::test::compress(picture, jpeg, 16), 0u) << type;
+      const uint32_t written = compressed ? static_cast<uint32_t>(jpeg) : static_cast<uint32_t>(picture);
+      ZEP_image_set_outfilename(written, folder.file("stored").c_str());
+      EXPECT_EQ(ZEP_image_write(written, 0, info->code, ZEP_ACTION_DATA), 0u)
+          << info->name << " " << type;
     }
   }
   EXPECT_EQ(ZEP_file_format_info(static_cast<uint32_t>(rows.size())), nullptr);
