@@ -237,7 +237,9 @@ int main(int argc, char **argv) {
   };
   const auto level = vrc::convert::active_simd_level();
   std::printf("\n1920 x 1080 frame, milliseconds per frame (our stages: %s)\n",
-              level == vrc::convert::SimdLevel::scalar ? "scalar" : "SSE2");
+              level == vrc::convert::SimdLevel::avx2   ? "AVX2"
+              : level == vrc::convert::SimdLevel::sse2 ? "SSE2"
+                                                       : "scalar");
   std::printf("stream bytes: ours grey %u, 4:2:2 %u; TurboJPEG grey %zu, 4:2:2 %zu\n",
               ZEP_image_get_parameter(setup().grey_jpeg, ZEP_JPEG_LENGTH),
               ZEP_image_get_parameter(setup().yuv_jpeg, ZEP_JPEG_LENGTH), setup().turbo_grey.size(),

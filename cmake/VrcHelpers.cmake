@@ -11,9 +11,9 @@ function(vrc_apply_sanitizers)
   endif()
 endfunction()
 
-# Warnings for the project's own targets.
+# Warnings for the project's own targets; errors too when VRC_WERROR is on (as in CI).
 function(vrc_warnings target)
-  target_compile_options(${target} PRIVATE -Wall -Wextra)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow $<$<BOOL:${VRC_WERROR}>:-Werror>)
 endfunction()
 
 # vrc_add_test_suite(NAME <name> SOURCES <files...> [LIBS <libs...>] [ENV <VAR=value...>]
@@ -48,11 +48,28 @@ function(vrc_add_bench)
   vrc_warnings(${ARG_NAME})
 endfunction()
 
-# vrc_add_fuzz(NAME <name> SOURCES <files...>): a libFuzzer target over the imaging library.
+# vrc_add_fuzz(NAME <name> SOURCES <files...>): a libFuzzer target over the imaging library
+# (with VRC_FUZZ). In a test build its entry point is instead linked with fuzz/replay_main.cpp and
+# run as the CTest case <name>_seeds on the seeds the tests write (VRC_SEED_DIR/<name>) and on
+# fuzz/regressions/<name>.
 function(vrc_add_fuzz)
   cmake_parse_arguments(ARG "" "NAME" "SOURCES" ${ARGN})
-  add_executable(${ARG_NAME} ${ARG_SOURCES})
-  target_link_libraries(${ARG_NAME} PRIVATE vrcw32_objects)
-  target_include_directories(${ARG_NAME} PRIVATE ${PROJECT_SOURCE_DIR})
-  target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
+  if(VRC_FUZZ)
+    add_executable(${ARG_NAME} ${ARG_SOURCES})
+    target_link_options(${ARG_NAME} PRIVATE -fsanitize=fuzzer)
+    set(program ${ARG_NAME})
+  elseif(VRC_BUILD_TESTS)
+    set(program ${ARG_NAME}_replay)
+    add_executable(${program} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+    add_test(NAME ${ARG_NAME}_seeds
+             COMMAND ${program} ${PROJECT_BINARY_DIR}/fuzz-seeds/${ARG_NAME}
+                     ${PROJECT_SOURCE_DIR}/fuzz/regressions/${ARG_NAME})
+    set_tests_properties(${ARG_NAME}_seeds PROPERTIES FIXTURES_REQUIRED fuzz_seeds
+                         LABELS fuzz_seeds)
+  else()
+    return()
+  endif()
+  target_link_libraries(${program} PRIVATE vrcw32_objects)
+  target_include_directories(${program} PRIVATE ${PROJECT_SOURCE_DIR})
+  vrc_warnings(${program})
 endfunction()

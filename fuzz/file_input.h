@@ -4,11 +4,11 @@
 
 #include "vrcw32/zep.h"
 
+#include <unistd.h>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace vrc::fuzz {
 
@@ -21,7 +21,8 @@ inline const std::string &input_path() {
 inline bool write_input(const uint8_t *data, std::size_t size) {
   std::FILE *file = std::fopen(input_path().c_str(), "wb");
   if (file == nullptr) return false;
-  const bool written = std::fwrite(data, 1, size, file) == size;
+  const bool written =
+      size == 0 || std::fwrite(data, 1, size, file) == size;  // data may be null when empty
   return std::fclose(file) == 0 && written;
 }
 

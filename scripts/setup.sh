@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs, with apt-get, everything the build, the tests, the benchmarks and the fuzz targets need.
-# Safe to run again: apt-get skips what is already installed.
+# Safe to run again: it returns at once when everything is installed.
 set -euo pipefail
 
 packages=(
@@ -11,9 +11,12 @@ packages=(
   python3 python3-pil libtiff-tools libjpeg-turbo-progs libturbojpeg0-dev ghostscript libyuv-dev
 )
 
+# One dpkg query for all packages, so that a machine with everything installed is done at once.
+installed=$(dpkg-query -W -f='${db:Status-Abbrev}${Package}\n' "${packages[@]}" 2>/dev/null |
+            awk '$1 == "ii" {print $2}' || true)
 missing=()
 for p in "${packages[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+  grep -qx -- "$p" <<<"$installed" || missing+=("$p")
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 

@@ -1,6 +1,6 @@
 // ZEP_convert_to_Y8: grey from every colour format with the weights (77 R + 150 G + 29 B) >> 8.
-// The 16-bit formats give whole-byte slices of the word as components (neighbouring bits leak in,
-// as they always have), and at odd widths each row steps over a fixed padding: one byte for
+// QUIRK: the 16-bit formats give whole-byte slices of the word as components (neighbouring bits
+// leak in), and at odd widths each row steps over a fixed padding: one byte for
 // 24/32-bit sources, two for YUV 4:2:2, none for Y16, and one in the Y8 destination.
 #include "imaging/convert/rgb_rows.h"
 #include "imaging/convert/strip_driver.h"

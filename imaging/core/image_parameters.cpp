@@ -62,6 +62,32 @@ uint32_t set_type(ZEP_IMAGE &image, uint32_t type) {
   return 0;
 }
 
+// The parameter `id` of `handle` into `value`; a status, failures reported under
+// `function_name`.
+uint32_t read_parameter(uint32_t handle, uint16_t id, const char *function_name, uint32_t &value) {
+  if (id == ZEP_LIBRARY_ID) {
+    value = vrc::core::library_word();
+    return ZEP_OK;
+  }
+  ZEP_IMAGE *image = vrc::core::record_or_report(handle, function_name);
+  if (image == nullptr) return ZEP_ERR_HANDLE;
+  if (uint32_t *field = plain_field(*image, id)) {
+    value = *field;
+    return ZEP_OK;
+  }
+  switch (id) {
+    case ZEP_IMAGE_TYPE: value = image->type; return ZEP_OK;
+    case ZEP_DATA_WIDTH: value = image->data_width; return ZEP_OK;
+    case ZEP_BYTES_PER_PIXEL: value = bytes_per_pixel(*image); return ZEP_OK;
+    case ZEP_JPEG_LENGTH:
+      if (image->jpeg == nullptr)
+        return vrc::core::report(function_name, ZEP_ERR_HANDLE, "JPEG structure does not exist");
+      value = image->jpeg->length;
+      return ZEP_OK;
+    default: return vrc::core::report(function_name, ZEP_ERR_BAD_PARAM, "Unknown parameter");
+  }
+}
+
 using NameField = char (ZEP_IMAGE::*)[ZEP_NAME_LENGTH];
 
 uint32_t set_name(uint32_t handle, const char *name, const char *function_name, NameField field) {
@@ -85,20 +111,16 @@ Field unchecked(uint32_t handle, Field ZEP_IMAGE::*field) {
 extern "C" {
 
 uint32_t ZEP_image_get_parameter(uint32_t handle, uint16_t id) {
-  if (id == ZEP_LIBRARY_ID) return vrc::core::library_word();
-  ZEP_IMAGE *image = vrc::core::record_or_report(handle, kGetParameter);
-  if (image == nullptr) return ZEP_ERR_HANDLE;
-  if (uint32_t *field = plain_field(*image, id)) return *field;
-  switch (id) {
-    case ZEP_IMAGE_TYPE: return image->type;
-    case ZEP_DATA_WIDTH: return image->data_width;
-    case ZEP_BYTES_PER_PIXEL: return bytes_per_pixel(*image);
-    case ZEP_JPEG_LENGTH:
-      if (image->jpeg == nullptr)
-        return vrc::core::report(kGetParameter, ZEP_ERR_HANDLE, "JPEG structure does not exist");
-      return image->jpeg->length;
-    default: return vrc::core::report(kGetParameter, ZEP_ERR_BAD_PARAM, "Unknown parameter");
-  }
+  uint32_t value = 0;
+  const uint32_t status = read_parameter(handle, id, kGetParameter, value);
+  return status != ZEP_OK ? status : value;
+}
+
+uint32_t ZEP_image_query_parameter(uint32_t handle, uint16_t id, uint32_t *value) {
+  constexpr const char *kQuery = "ZEP_image_query_parameter";
+  if (value == nullptr)
+    return vrc::core::report(kQuery, ZEP_ERR_BAD_PARAM, "Value pointer is NULL");
+  return read_parameter(handle, id, kQuery, *value);
 }
 
 uint32_t ZEP_image_set_parameter(uint32_t handle, uint16_t id, uint32_t value) {

@@ -6,20 +6,27 @@
 
 #include <cstdint>
 #include <new>
+#include <stdexcept>
 
 namespace vrc::core {
 
 // Reports `code` through the installed handler under `function_name` and returns `code`.
 uint32_t report(const char *function_name, uint32_t code, const char *message = "");
 
-// Runs `body` and returns its status; an escaped std::bad_alloc becomes the memory error code and
-// any other exception the internal-error code, each reported under `function_name`.
+// Runs `body` and returns its status; an escaped std::bad_alloc becomes the memory error code, a
+// std::invalid_argument or std::out_of_range (a bad argument that reached the standard library)
+// the bad-parameter code, and any other exception the internal-error code, each reported under
+// `function_name`.
 template <typename Body>
 uint32_t api_guard(const char *function_name, Body body) noexcept {
   try {
     return body();
   } catch (const std::bad_alloc &) {
     return report(function_name, ZEP_ERR_MEMORY);
+  } catch (const std::invalid_argument &) {
+    return report(function_name, ZEP_ERR_BAD_PARAM);
+  } catch (const std::out_of_range &) {
+    return report(function_name, ZEP_ERR_BAD_PARAM);
   } catch (...) {
     return report(function_name, ZEP_ERR_INTERNAL, "Unexpected exception");
   }

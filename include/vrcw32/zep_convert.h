@@ -1,3 +1,4 @@
+/* clang-format off */
 /*
  * vrcw32 imaging library: colour maps, paletted images, pixel-format conversion, YUV 4:2:2 and the
  * conversion look-up tables.
@@ -16,33 +17,40 @@
  *   RGB24, BGR24, RGBX32, BGRX32, XBGR32, XRGB32
  *     accept Y8, Y16, RGB15, RGB16 and the other 24/32-bit formats (ZEP_convert_to_RGB24 does
  *     not take XRGB32) and write R, G, B in their byte order; the X byte is 0. A 5-bit or 6-bit
- *     component c becomes 8 bits by repeating its top bits: (c << 3) | (c >> 2), (c << 2) | (c >>
- * 4). A Y16 sample s of data width w is the grey value s >> (w - 8) (s << (8 - w) below 8 bits).
+ *     component c becomes 8 bits by repeating its top bits: (c << 3) | (c >> 2), (c << 2) | (c >> 4).
+ *     A Y16 sample s of data width w is the grey value s >> (w - 8) (s << (8 - w) below 8 bits).
  *   RGB15, RGB16   accept Y8, Y16, the 24/32-bit formats and the other 16-bit format.
  *   Y16            accepts Y8 (sample = y << (data width - 8)) and the 24/32-bit and 16-bit colour
  *                  formats, whose grey value is Y8's (77 R + 150 G + 29 B) >> 8 first.
  *   CMYK32         from PALETTED: each byte is the complement of the map entry's byte. From Y8,
  *                  Y16, RGB15, RGB16 and the 24/32-bit formats: C = 255 - R, M = 255 - G,
- *                  Y = 255 - B, then K = min(C, M, Y) is taken out of each (C - K, M - K, Y - K,
- * K), so that R = 255 - (C + K) gives the source back. RGB8           one byte per pixel of 3-3-2
- * colour: (R & 0xE0) | ((G & 0xE0) >> 3) | (B >> 6), from Y8, Y16, PALETTED, RGB15, RGB16 and the
- * 24/32-bit formats. The dither variant adds the 4 x 4 ordered-dither threshold t (0..15, the Bayer
- * matrix at (x mod 4, y mod 4) of the image's pixel position) before quantising: R' = min(255, R +
- * (t << 1)), G' = min(255, G + (t << 1)), B' = min(255, B + (t << 2)). YUV422 _LUT members with
- * 24/32-bit outputs read the RGB16 table (203) and widen its 5-6-5 value to 8 bits as above; the
- * RGB15 and RGB16 _LUT members read tables 204 and 203 directly. YUV422 to Y8   Y of each pixel; to
- * Y16: Y << (data width - 8). HSI (108)      four bytes per pixel from the R, G, B of the YUV
- * arithmetic, integers only: bytes 0-1  hue in degrees 0..359, little-endian; with mx = max(R, G,
- * B), mn = min(R, G, B), d = mx - mn: 0 when d = 0, else 60 (G - B) / d when mx = R, 120 + 60 (B -
- * R) / d when mx = G, 240 + 60 (R - G) / d otherwise (division truncating towards 0), plus 360 when
- * negative byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B) byte 3
- * intensity: (R + G + B) / 3 YUV422 members read and write lines with no padding between them (at
- * even widths and the usual line alignment of 2 there is none); strip bytes past the lines are 0.
+ *                  Y = 255 - B, then K = min(C, M, Y) is taken out of each (C - K, M - K, Y - K, K),
+ *                  so that R = 255 - (C + K) gives the source back.
+ *   RGB8           one byte per pixel of 3-3-2 colour: (R & 0xE0) | ((G & 0xE0) >> 3) | (B >> 6),
+ *                  from Y8, Y16, PALETTED, RGB15, RGB16 and the 24/32-bit formats. The dither
+ *                  variant adds the 4 x 4 ordered-dither threshold t (0..15, the Bayer matrix at
+ *                  (x mod 4, y mod 4) of the image's pixel position) before quantising:
+ *                  R' = min(255, R + (t << 1)), G' = min(255, G + (t << 1)), B' = min(255, B + (t << 2)).
+ *   YUV422 _LUT members with 24/32-bit outputs read the RGB16 table (203) and widen its 5-6-5
+ *                  value to 8 bits as above; the RGB15 and RGB16 _LUT members read tables 204 and
+ *                  203 directly.
+ *   YUV422 to Y8   Y of each pixel; to Y16: Y << (data width - 8).
+ *   HSI (108)      four bytes per pixel from the R, G, B of the YUV arithmetic, integers only:
+ *                    bytes 0-1  hue in degrees 0..359, little-endian; with mx = max(R, G, B),
+ *                               mn = min(R, G, B), d = mx - mn: 0 when d = 0, else
+ *                               60 (G - B) / d when mx = R, 120 + 60 (B - R) / d when mx = G,
+ *                               240 + 60 (R - G) / d otherwise (division truncating towards 0),
+ *                               plus 360 when negative
+ *                    byte 2     saturation: 0 when R + G + B = 0, else 255 - 765 mn / (R + G + B)
+ *                    byte 3     intensity: (R + G + B) / 3
+ *   YUV422 members read and write lines with no padding between them (at even widths and the
+ *                  usual line alignment of 2 there is none); strip bytes past the lines are 0.
  *
  * Conversion tables (ids 200..205) are process-wide; the _LUT members need the table they read
  * to have been generated or loaded: without it they fail with "Conversion LUT does not exist"
  * (0x100B0000).
  */
+/* clang-format on */
 #ifndef VRCW32_ZEP_CONVERT_H
 #define VRCW32_ZEP_CONVERT_H
 
@@ -104,19 +112,25 @@ typedef struct ZEP_CMAP_INFO {
   uint32_t reserved[2];
 } ZEP_CMAP_INFO;
 
+/* Returns a value: a new search aid from malloc with its defaults, or null when memory runs out.
+ * Stored as an image's cmap_info it belongs to the image (freed by ZEP_cmap_destroy_info and
+ * ZEP_image_destroy); otherwise the caller frees it with free(). */
 ZEP_CMAP_INFO *ZEP_cmap_create_info(void);
+/* Frees the image's search aid and nulls cmap_info. */
 uint32_t ZEP_cmap_destroy_info(uint32_t handle);
 
+/* Returns a value: entry `index` as 0x00RRGGBB, or an error code. */
 uint32_t ZEP_cmap_get_RGB_colour(uint32_t handle, uint16_t index);
 uint32_t ZEP_cmap_set_RGB_colour(uint32_t handle, uint16_t index, uint8_t red, uint8_t green,
                                  uint8_t blue);
 uint32_t ZEP_cmap_set_colour(uint32_t handle, uint16_t index, uint16_t colour);
 uint32_t ZEP_cmap_set_type(uint32_t handle, uint16_t type, uint32_t unused);
+/* Return values: 1 or 0, or an error code. */
 uint32_t ZEP_cmap_is_grayscale(uint32_t handle);
 uint32_t ZEP_image_is_colour(uint32_t handle);
 /* ZEP_cmap_copy, which copies the 256-entry map, is declared with the image functions. */
 
-/* Index of the map entry nearest to (red, green, blue) by squared distance; the lowest index
+/* Returns a value: the index of the map entry nearest to (red, green, blue) by squared distance; the lowest index
  * wins a tie; 0 for an empty map. */
 uint32_t ZEP_cmap_find_closest_colour(uint32_t handle, uint8_t red, uint8_t green, uint8_t blue);
 
@@ -177,7 +191,7 @@ uint32_t ZEP_YUV422_to_XRGB32_LUT(uint32_t src, uint32_t dst, uint16_t mode);
 uint32_t ZEP_YUV422_to_paletted_LUT(uint32_t src, uint32_t dst, uint16_t mode);
 uint32_t ZEP_YUV422_to_HSI(uint32_t src, uint32_t dst, uint16_t mode);
 
-/* (V << 16) | (U << 8) | Y of one RGB colour, U and V with their offset of 128. */
+/* Returns a value: (V << 16) | (U << 8) | Y of one RGB colour, U and V with their offset of 128. */
 uint32_t ZEP_CK_get_YUV_values_RGB(uint8_t red, uint8_t green, uint8_t blue);
 
 /* ---- Conversion tables ------------------------------------------------------------------ */

@@ -2,9 +2,32 @@
  * vrcw32 imaging library: the image object, the handle table, status codes, the error handler,
  * byte-order helpers, the library lock and small utilities.
  *
- * Every function is a plain C function that never throws. A status of 0..0xFFFF is success (for
- * ZEP_image_create it is the new handle); anything greater is a ZEP error code, which has been
- * reported once through ZEP_ErrProcess where it was found.
+ * RESULTS. Every function is a plain C function that never throws. Unless its comment says
+ * "Returns a value", a function returns a status: 0 (or, for a few, another number up to 0xFFFF,
+ * such as the handle of ZEP_image_create) on success, and above 0xFFFF an error code, class |
+ * detail (ZEP_ERR_*), which has been reported once through the installed error handler where it
+ * was found. Test statuses with ZEP_IS_ERROR. A function that returns a value (a parameter, a
+ * count, a pointer) may return numbers above 0xFFFF that are no error: ZEP_IS_ERROR must not be
+ * used on them; ZEP_image_query_parameter gives a parameter with a separate status.
+ *
+ * OWNERSHIP AND LIFETIME. An image record owns its pixel buffer (`data`), colour map (`cmap`),
+ * colour-map search aid (`cmap_info`) and JPEG record from ZEP_image_create to
+ * ZEP_image_destroy, which frees them all with free(), a caller's locked buffer included (see
+ * ZEP_FLAG_LOCKED). Pointers the library hands out point into the record or its buffers; each
+ * function's comment says how long they stay valid. Texts the library returns are its own.
+ *
+ * THREADING. One process-wide recursive lock (ZEP_CriticalSectionBegin / End) guards the handle
+ * table (creating and destroying images, setting flags on all images, freeing data), installing
+ * the error handler, the allocation counters and the conversion tables. Nothing else is locked:
+ *   - one image must not be used by two threads at once; different images may be used on
+ *     different threads at the same time, and so may the byte-order and text helpers;
+ *   - the strip-wise operations keep process-wide state between calls: at most one conversion
+ *     per ZEP_convert_to_* / ZEP_YUV422_to_* member, one ZEP_cmap_generate, and one file per
+ *     file function left open between calls (one raw-data file in all) may be in progress in the
+ *     whole process at a time;
+ *   - the error handler runs on the thread that met the failure; the table's last-code words are
+ *     written without the lock.
+ * ZEP_Init may run on any thread; the first ZEP_image_create runs it when nobody has.
  */
 #ifndef VRCW32_ZEP_CORE_H
 #define VRCW32_ZEP_CORE_H
@@ -101,7 +124,12 @@ ZEP_API_BEGIN
 
 /* ---- Flags ------------------------------------------------------------------------------ */
 
-#define ZEP_FLAG_LOCKED 1u   /* data belongs to the caller */
+/* ZEP_FLAG_LOCKED: `data` is the caller's buffer (a frame-grabber buffer, say).
+ * ZEP_image_free_data leaves it, ZEP_image_malloc_a_strip keeps it, ZEP_image_move refuses the
+ * image. ZEP_image_destroy and ZEP_ImageUnlockAndDestroy nevertheless free it with free(): a
+ * buffer that did not come from malloc, or that must outlive the image, is detached first with
+ * ZEP_image_set_ptr(handle, ZEP_DATA_PTR, NULL). */
+#define ZEP_FLAG_LOCKED 1u
 #define ZEP_FLAG_JPEG 2u     /* the content is the compressed data of the JPEG record */
 #define ZEP_FLAG_DIB 4u      /* ZEP_image_convert makes a device-independent bitmap */
 #define ZEP_FLAG_USE_LUT 16u /* conversions use the precomputed conversion tables */
@@ -128,6 +156,8 @@ ZEP_API_BEGIN
 #define ZEP_ERR_CLASS_MASK 0xFFFF0000u
 #define ZEP_ERR_LIBRARY_MASK 0xFF000000u
 #define ZEP_ERR_LIBRARY_ZEP 0x10000000u
+/* For statuses only (see RESULTS above): a value of ZEP_image_get_parameter above 0xFFFF is a
+ * value, not an error. */
 #define ZEP_IS_ERROR(status) ((uint32_t)(status) > 0xFFFFu)
 
 /* ---- Records ---------------------------------------------------------------------------- */
@@ -192,29 +222,82 @@ typedef struct ZEP_CMD_LINE {
 
 /* ---- Library start-up ------------------------------------------------------------------- */
 
+/* Starts the library: creates the lock, installs ZEP_ErrHandlerDefault (replacing any handler
+ * installed before, so install yours after it) and sets the library word (ZEP_LIBRARY_ID).
+ * Returns 0. ZEP_image_create runs it on first use. */
 uint32_t ZEP_Init(void);
+/* The same as ZEP_Init, under the other name programs call it by. */
 uint32_t ZEP_InitLibrary(void);
 
 /* ---- Image life cycle ------------------------------------------------------------------- */
 
+/* The handle (1..65535) of a new image with the defaults of the record (height 32767, line
+ * alignment 2, 8 lines per strip, a 256-entry map of 0xAA bytes), or an error: 0x10080000 when
+ * every handle is in use, 0x1006000x when memory runs out. */
 uint32_t ZEP_image_create(void);
+/* Frees the image's record, data (even when ZEP_FLAG_LOCKED), colour map, search aid and JPEG
+ * record; an unknown handle is ignored. ZEP_ALL_IMAGES destroys every image, the conversion
+ * tables, and closes the files file functions left open. ZEP_ANY_IMAGES_LEFT destroys nothing
+ * and returns 0x10020000 (not reported) while any image exists, else 0. */
 uint32_t ZEP_image_destroy(uint32_t handle);
+/* The same as ZEP_image_destroy, which releases locked data too. Returns 0. */
 uint32_t ZEP_ImageUnlockAndDestroy(uint32_t handle);
+/* Validates the record against its type and recomputes skip_bytes, bytes_per_line and
+ * strip_bytes. An unknown handle gives 0x10050000 without a report. */
 uint32_t ZEP_image_check(uint32_t handle);
+/* Checks nothing and always returns 0; kept for programs that call it. */
 uint32_t ZEP_ImageCheck2(uint32_t handle);
+/* Returns a value: parameter `id` of the image, or an error code for an unknown handle or id or
+ * a JPEG length without a JPEG record. ZEP_LIBRARY_ID is answered for any handle. A parameter
+ * can exceed 0xFFFF: use ZEP_image_query_parameter where that matters. */
 uint32_t ZEP_image_get_parameter(uint32_t handle, uint16_t id);
+/* Stores parameter `id` in *value; the status, reported under this function's name. */
+uint32_t ZEP_image_query_parameter(uint32_t handle, uint16_t id, uint32_t *value);
+/* ZEP_IMAGE_TYPE also sets the depth (and for some types the data width) the type demands and
+ * clears ZEP_FLAG_DIB; a refused type code stays stored. */
 uint32_t ZEP_image_set_parameter(uint32_t handle, uint16_t id, uint32_t value);
+/* Returns a value: the pointer `id` of the image, null for an unknown handle or id. Valid until:
+ *   ZEP_DATA_PTR           the strip buffer is freed or replaced (ZEP_image_free_data, a read,
+ *                          conversion or copy into the image, ZEP_image_move, destroy)
+ *   ZEP_CMAP_PTR           destroy or ZEP_image_set_ptr(ZEP_CMAP_PTR); 256 entries of 4 bytes
+ *   ZEP_JPEG_BUFFER_PTR, ZEP_JPEG_POSITION_PTR   the JPEG data is freed (free_data, destroy)
+ *   ZEP_IMAGE_RECORD_PTR, ZEP_JPEG_RECORD_PTR, ZEP_JPEG_INFO_BLOCK   destroy */
 void *ZEP_image_get_ptr(uint32_t handle, uint16_t id);
+/* Stores a pointer without freeing the old one or copying. The record then owns it: data and
+ * colour maps given here are freed with free() by ZEP_image_free_data (data, unless locked) and
+ * ZEP_image_destroy, so they must come from malloc (a colour map of 1024 bytes).
+ * ZEP_IMAGE_RECORD_PTR replaces the handle's record itself. */
 uint32_t ZEP_image_set_ptr(uint32_t handle, uint16_t id, void *value);
+/* Returns a value: 1 when any bit of `mask` is set, else 0; 0x10040000 for an unknown handle. */
 uint32_t ZEP_image_get_flags(uint32_t handle, uint32_t mask);
+/* `on` 1 sets the bits, anything else clears them; ZEP_ALL_IMAGES sets them on every image. */
 uint32_t ZEP_image_set_flags(uint32_t handle, uint32_t mask, uint32_t on);
+/* Checks the image and allocates bytes_per_line x lines_this_strip bytes with malloc into
+ * `data`, without freeing a buffer already there (call ZEP_image_free_data first). A locked
+ * image that has data keeps it. */
 uint32_t ZEP_image_malloc_a_strip(uint32_t handle);
+/* Frees `data` unless locked, and the JPEG data. */
 uint32_t ZEP_image_free_data(uint32_t handle);
+/* Returns a value: the padding bytes at the end of a line of `width` pixels of `depth` bits. */
 uint32_t ZEP_image_calc_skip_bytes(uint32_t width, uint32_t depth, uint32_t line_align);
+/* Returns a value: ceil(height / lines_this_strip) cut to 16 bits (0 when lines_this_strip is
+ * 0), or 0x10040000 for an unknown handle. */
 uint32_t ZEP_image_calc_total_strips(uint32_t handle);
+/* Checks src, copies its parameters to dst (as ZEP_image_copy_parameters), then its current
+ * strip into a new buffer of dst, whose old data is freed unless locked. An image whose content
+ * is JPEG data (ZEP_FLAG_JPEG) is decompressed into a dst that has a JPEG record instead. With
+ * lines_this_strip 0 only the parameters are copied. */
 uint32_t ZEP_image_copy(uint32_t src, uint32_t dst);
+/* Copies type, data width, the three names, geometry, alignments, skip bytes, frames, flags,
+ * colour-map size and entries, field mode, lines per strip and bytes per line; never data,
+ * strip_bytes or cmap_info. When both images have JPEG records their JPEG parameters are copied
+ * too, and an error of that step is returned. */
 uint32_t ZEP_image_copy_parameters(uint32_t src, uint32_t dst);
+/* ZEP_image_copy_parameters without the JPEG step. */
 uint32_t ZEP_image_copy_parameters_raw(uint32_t src, uint32_t dst);
+/* Frees dst's data, copies src's parameters to dst and hands src's strip buffer (and data_aux)
+ * to dst; src's data becomes null. For an image whose content is JPEG data and a dst with a JPEG
+ * record, the JPEG buffer moves instead. Either image locked: 0x10070000, nothing moves. */
 uint32_t ZEP_image_move(uint32_t src, uint32_t dst);
 /* Copies src's 256-entry colour map into dst's (nothing when either map is null). */
 uint32_t ZEP_cmap_copy(uint32_t src, uint32_t dst);
@@ -244,13 +327,18 @@ uint32_t ZEP_ImageMake(uint32_t handle, uint32_t width, uint32_t height, uint16_
  * Errors: unknown handle 0x10040000; no data, or (x, y) outside the strip 0x10030000. */
 uint32_t ZEP_DrawPixel(uint32_t handle, uint32_t colour, uint32_t x, uint32_t y);
 
-/* Unchecked accessors: the caller passes a live handle. */
+/* Unchecked accessors: the caller passes a live handle (a dead one reads as 0 or null, with no
+ * report). They return values. */
 uint32_t ZEP_get_width(uint32_t handle);
 uint32_t ZEP_get_height(uint32_t handle);
 uint16_t ZEP_get_depth(uint32_t handle);
 uint32_t ZEP_get_bytes_per_line(uint32_t handle);
 uint32_t ZEP_get_lines_this_strip(uint32_t handle);
-uint8_t *ZEP_malloc_N_lines(uint32_t handle, uint16_t count); /* caller frees with free() */
+/* A new block of count x bytes_per_line bytes (and one spare) from malloc; the caller frees it
+ * with free(). Null when memory runs out. */
+uint8_t *ZEP_malloc_N_lines(uint32_t handle, uint16_t count);
+/* The record's 128-character name field itself: valid until the image is destroyed, and may be
+ * written (127 characters and the terminator at most). */
 char *ZEP_image_get_infilename(uint32_t handle);
 char *ZEP_image_get_outfilename(uint32_t handle);
 uint32_t ZEP_copy_outfilename(uint32_t dst, uint32_t src);
@@ -266,9 +354,17 @@ const char *ZEP_pixel_format_name(uint32_t type);
 
 /* ---- Errors ----------------------------------------------------------------------------- */
 
+/* Returns a value. With `code` 0: the address of the library's ZEP_ERR_ENTRY (valid for the
+ * life of the process), calling nothing. Otherwise calls the installed handler with the four
+ * arguments and returns its result; 0 when none is installed. */
 uintptr_t ZEP_ErrProcess(uint32_t library, const char *function_name, uint32_t code,
                          const char *message);
+/* Installs the process-wide handler every report goes to (null: reports are dropped, codes are
+ * still returned). The handler runs on the failing thread, with texts valid only during the
+ * call. Returns 0. */
 uint32_t ZEP_ErrHandlerInstall(ZEP_ERR_HANDLER handler);
+/* The handler ZEP_Init installs: composes the report and shows it (see ZEP_SetMessageBox).
+ * Returns a value: the box's result, 1 when written to standard error. */
 uint32_t ZEP_ErrHandlerDefault(uint32_t library, const char *function_name, uint32_t code,
                                const char *message);
 
@@ -278,6 +374,8 @@ typedef uint32_t (*ZEP_MESSAGE_BOX)(const char *text, const char *caption);
 void ZEP_SetMessageBox(ZEP_MESSAGE_BOX show);
 
 /* ---- Byte order: i = least significant byte first, m = most significant byte first ------ */
+/* The getters return values; the stream putters return the result of the last character write
+ * (EOF on failure). No bounds or end-of-file checks are made. */
 
 uint16_t ZEP_fget_ui16i(FILE *f);
 uint16_t ZEP_fget_ui16m(FILE *f);
@@ -300,16 +398,19 @@ void ZEP_mput_ui32m(uint8_t *p, uint32_t value);
 
 /* ---- Lock, allocation counters, text utilities ------------------------------------------ */
 
+/* The library lock (recursive; see THREADING). Each returns 0. */
 uint32_t ZEP_CriticalSectionInit(void);
 uint32_t ZEP_CriticalSectionBegin(void);
 uint32_t ZEP_CriticalSectionEnd(void);
 
+/* malloc and free that count allocations, frees and bytes under the lock. ZEP_DebugMallocPrint
+ * returns a value: the byte total allocated so far. */
 void *ZEP_DebugMalloc(size_t size);
 void ZEP_DebugFree(void *pointer);
 uint32_t ZEP_DebugMallocPrint(void);
 
-/* Reads the leading decimal number of `text` into `value`; returns the position of the first
- * white-space character after the token (or of the text's end). A null text or value is reported
+/* Reads the leading decimal number of `text` into `value`; returns a value: the position in
+ * `text` of the first white-space character after the token (or of the text's end). A null text or value is reported
  * as a bad parameter and returns null. */
 char *ZEP_sscanf(char *text, uint16_t *value);
 /* Splits argv into the ZEP_CMD_LINE record `record`; returns 0, or 0x10030000 (reported) for a

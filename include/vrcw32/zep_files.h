@@ -7,7 +7,10 @@
  *
  * The `action` argument of the file functions: ZEP_ACTION_DATA transfers the pixels and closes
  * the file, ZEP_ACTION_CLOSE only closes it after the header work, and any other value returns
- * with the file left open.
+ * with the file left open. A file left open (also by a strip of an image taller than its strip)
+ * stays open in a process-wide slot of its function, one per function, until the same function
+ * opens another file or every image is destroyed (ZEP_image_destroy(ZEP_ALL_IMAGES)).
+ * The functions return statuses (see zep_core.h).
  */
 #ifndef VRCW32_ZEP_FILES_H
 #define VRCW32_ZEP_FILES_H
@@ -53,7 +56,8 @@ uint32_t ZEP_file_format_stores_type(uint32_t format, uint32_t type);
 
 /* ---- Detection and dispatch ------------------------------------------------------------- */
 
-/* The format of the file at `path` from its first bytes: 0, 3, 8, 9 or 10, or an error code. */
+/* The format of the file at `path` from its first bytes: 0 (not recognised), 3, 8, 9 or 10, or
+ * an error code when the file cannot be opened or closed. */
 uint32_t ZEP_image_find_file_format(const char *path);
 /* Reads the image's input file; only `format` 0 (detect) is accepted. */
 uint32_t ZEP_image_read(uint32_t handle, uint16_t format, uint16_t action);

@@ -178,9 +178,9 @@ TEST(StripProtocol, SourceChecksAndTheirMessages) {
   // A failed check: the grey member says "Corrupt images", the others "Corrupt image".
   ZEP_image_set_parameter(src, ZEP_IMAGE_DEPTH, 9);
   errors.clear();
-  EXPECT_EQ(ZEP_convert_to_Y8(src, dst, 3), 0x10050009u);
+  EXPECT_EQ(ZEP_convert_to_Y8(src, dst, 3), (ZEP_ERR_CORRUPT | 0x09));
   EXPECT_EQ(errors.last().function, "ZEP_convert_to_Y8");
   EXPECT_EQ(errors.last().message, "Corrupt images");
-  EXPECT_EQ(ZEP_convert_to_RGB16(src, dst, 3), 0x10050009u);
+  EXPECT_EQ(ZEP_convert_to_RGB16(src, dst, 3), (ZEP_ERR_CORRUPT | 0x09));
   EXPECT_EQ(errors.last().message, "Corrupt image");
 }

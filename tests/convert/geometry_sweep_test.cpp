@@ -80,7 +80,7 @@ TEST(HugeImages, DestinationsBeyondThirtyTwoBitLinesAreRefused) {
   ZEP_image_set_parameter(src, ZEP_LINES_THIS_STRIP, 1);
   ZEP_image_set_ptr(src, ZEP_DATA_PTR, pixels);
   ZEP_image_set_flags(src, ZEP_FLAG_LOCKED, 1);
-  EXPECT_EQ(ZEP_convert_to_RGBX32(src, dst, 3), 0x10050011u);
+  EXPECT_EQ(ZEP_convert_to_RGBX32(src, dst, 3), (ZEP_ERR_CORRUPT | 0x11));
   EXPECT_EQ(errors.last().function, "ZEP_convert_to_RGBX32");
   EXPECT_EQ(errors.last().message, "Corrupt image");
   EXPECT_EQ(record_of(dst).data, nullptr);

@@ -27,6 +27,8 @@ static uint32_t remember(uint32_t library, const char *function_name, uint32_t c
 
 int main(void) {
   uint32_t image;
+  uint32_t value = 0;
+  const ZEP_FILE_FORMAT_INFO *format;
   ZEP_IMAGE *record;
   ZEP_CMD_LINE line;
   char *words[3];
@@ -39,6 +41,12 @@ int main(void) {
   CHECK(ZEP_image_get_parameter(image, ZEP_BYTES_PER_LINE) == 10);
   record = (ZEP_IMAGE *)ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR);
   CHECK(record != NULL && record->data[0] == 0x0A && record->data[2] == 0x0C);
+  CHECK(ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, 70000) == 0);
+  CHECK(ZEP_image_query_parameter(image, ZEP_IMAGE_WIDTH, &value) == 0 && value == 70000);
+  CHECK(strcmp(ZEP_pixel_format_name(ZEP_RGB24), "RGB24") == 0);
+  format = ZEP_file_format_info(0);
+  CHECK(format != NULL && format->name != NULL && format->extensions != NULL);
+  CHECK(ZEP_file_format_stores_type(ZEP_FILE_BMP, ZEP_RGB24) == 1);
   CHECK(ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, 200) == ZEP_ERR_UNSUPPORTED);
   CHECK(last_code == ZEP_ERR_UNSUPPORTED);
   CHECK(ZEP_image_destroy(ZEP_ANY_IMAGES_LEFT) == ZEP_ERR_INTERNAL);

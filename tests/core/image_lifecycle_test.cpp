@@ -83,7 +83,7 @@ TEST(Strips, DestroyReleasesEvenALockedBuffer) {
 TEST(Strips, MallocOfAnInvalidImageReportsCorruptImage) {
   ErrorCapture errors;
   ScopedImage image;
-  EXPECT_EQ(ZEP_image_malloc_a_strip(image), 0x10050010u);
+  EXPECT_EQ(ZEP_image_malloc_a_strip(image), (ZEP_ERR_CORRUPT | 0x10));
   ASSERT_EQ(errors.count(), 2u);
   EXPECT_EQ(errors.all()[0].function, "ZEP_image_check");
   EXPECT_EQ(errors.all()[1].function, "ZEP_image_malloc_a_strip");
@@ -157,7 +157,7 @@ TEST(CopyAndMove, HeaderOnlyCopyAndFailures) {
   ZEP_IMAGE &r = src.record();
   r.depth = 24;
   errors.clear();
-  EXPECT_EQ(ZEP_image_copy(src, dst), 0x10050002u);
+  EXPECT_EQ(ZEP_image_copy(src, dst), (ZEP_ERR_CORRUPT | 0x02));
   ASSERT_EQ(errors.count(), 2u);
   EXPECT_EQ(errors.last().function, "ZEP_image_copy");
   EXPECT_EQ(errors.last().message, "Corrupt image");

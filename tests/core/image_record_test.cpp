@@ -90,7 +90,7 @@ TEST(ImageRecord, RejectedTypesAreStoredAndReported) {
   errors.clear();
   ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, 3);
   ZEP_image_set_parameter(image, ZEP_IMAGE_DEPTH, 24);
-  EXPECT_EQ(ZEP_image_check(image), 0x10050010u);
+  EXPECT_EQ(ZEP_image_check(image), (ZEP_ERR_CORRUPT | 0x10));
   EXPECT_EQ(errors.last().message, "Unrecognised image");
   EXPECT_EQ(errors.last().function, "ZEP_image_check");
   // The line lengths and the frame count are brought up to date before the type is refused.
@@ -147,21 +147,21 @@ TEST_P(PerTypeCheck, FirstFailingTestDecides) {
 INSTANTIATE_TEST_SUITE_P(
     EveryRule, PerTypeCheck,
     testing::Values(
-        CheckCase{1, 8, 0, 0, 0x10050001, "Depth not 1"}, CheckCase{2, 16, 0, 0, 0x10050002, "Depth not 8"},
-        CheckCase{3, 8, 0, 0, 0x10050007, "Colourmap should not be 0 size"},
-        CheckCase{3, 16, 0, 0, 0x10050007, "Colourmap should not be 0 size"},
-        CheckCase{3, 16, 0, 4, 0x10050008, "Depth not 8"}, CheckCase{4, 7, 0, 0, 0x1005000d, "Depth not 8"},
-        CheckCase{5, 16, 0, 0, 0x1005000c, "Depth not 15"}, CheckCase{6, 15, 0, 0, 0x10050009, "Depth not 16"},
-        CheckCase{12, 8, 0, 0, 0x10050009, "Depth not 16"}, CheckCase{103, 8, 0, 0, 0x10050009, "Depth not 16"},
-        CheckCase{106, 8, 0, 0, 0x10050009, "Depth not 16"}, CheckCase{7, 32, 0, 0, 0x10050003, "Depth not 24"},
-        CheckCase{8, 32, 0, 0, 0x10050003, "Depth not 24"}, CheckCase{9, 24, 0, 0, 0x10050004, "Depth not 32"},
-        CheckCase{15, 24, 0, 0, 0x10050004, "Depth not 32"}, CheckCase{108, 24, 0, 0, 0x10050004, "Depth not 32"},
-        CheckCase{14, 8, 0, 0, 0x1005000a, "Data width not between 1 and 16"},
-        CheckCase{14, 8, 17, 0, 0x1005000a, "Data width not between 1 and 16"},
-        CheckCase{14, 8, 12, 0, 0x1005000b, "Depth not 16"}, CheckCase{16, 8, 0, 0, 0x1005000e, "Depth not 32"},
-        CheckCase{17, 32, 0, 0, 0x1005000f, "Depth not 64"}, CheckCase{101, 16, 0, 0, 0x10050005, "Depth not 32"},
-        CheckCase{102, 16, 0, 0, 0x10050005, "Depth not 32"}, CheckCase{104, 32, 0, 0, 0x10050006, "Depth not 16"},
-        CheckCase{0, 8, 0, 0, 0x10050010, "Unrecognised image"}, CheckCase{50, 8, 0, 0, 0x10050010, "Unrecognised image"},
+        CheckCase{1, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x01), "Depth not 1"}, CheckCase{2, 16, 0, 0, (ZEP_ERR_CORRUPT | 0x02), "Depth not 8"},
+        CheckCase{3, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x07), "Colourmap should not be 0 size"},
+        CheckCase{3, 16, 0, 0, (ZEP_ERR_CORRUPT | 0x07), "Colourmap should not be 0 size"},
+        CheckCase{3, 16, 0, 4, (ZEP_ERR_CORRUPT | 0x08), "Depth not 8"}, CheckCase{4, 7, 0, 0, (ZEP_ERR_CORRUPT | 0x0d), "Depth not 8"},
+        CheckCase{5, 16, 0, 0, (ZEP_ERR_CORRUPT | 0x0c), "Depth not 15"}, CheckCase{6, 15, 0, 0, (ZEP_ERR_CORRUPT | 0x09), "Depth not 16"},
+        CheckCase{12, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x09), "Depth not 16"}, CheckCase{103, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x09), "Depth not 16"},
+        CheckCase{106, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x09), "Depth not 16"}, CheckCase{7, 32, 0, 0, (ZEP_ERR_CORRUPT | 0x03), "Depth not 24"},
+        CheckCase{8, 32, 0, 0, (ZEP_ERR_CORRUPT | 0x03), "Depth not 24"}, CheckCase{9, 24, 0, 0, (ZEP_ERR_CORRUPT | 0x04), "Depth not 32"},
+        CheckCase{15, 24, 0, 0, (ZEP_ERR_CORRUPT | 0x04), "Depth not 32"}, CheckCase{108, 24, 0, 0, (ZEP_ERR_CORRUPT | 0x04), "Depth not 32"},
+        CheckCase{14, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x0a), "Data width not between 1 and 16"},
+        CheckCase{14, 8, 17, 0, (ZEP_ERR_CORRUPT | 0x0a), "Data width not between 1 and 16"},
+        CheckCase{14, 8, 12, 0, (ZEP_ERR_CORRUPT | 0x0b), "Depth not 16"}, CheckCase{16, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x0e), "Depth not 32"},
+        CheckCase{17, 32, 0, 0, (ZEP_ERR_CORRUPT | 0x0f), "Depth not 64"}, CheckCase{101, 16, 0, 0, (ZEP_ERR_CORRUPT | 0x05), "Depth not 32"},
+        CheckCase{102, 16, 0, 0, (ZEP_ERR_CORRUPT | 0x05), "Depth not 32"}, CheckCase{104, 32, 0, 0, (ZEP_ERR_CORRUPT | 0x06), "Depth not 16"},
+        CheckCase{0, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x10), "Unrecognised image"}, CheckCase{50, 8, 0, 0, (ZEP_ERR_CORRUPT | 0x10), "Unrecognised image"},
         CheckCase{3, 8, 0, 1, 0, ""}, CheckCase{2, 8, 3, 0, 0, ""}, CheckCase{14, 16, 1, 0, 0, ""}, CheckCase{14, 16, 16, 0, 0, ""}));
 
 struct LineCase {
@@ -217,10 +217,10 @@ TEST(ImageRecord, OversizedLinesFailTheCheckInsteadOfWrapping) {
   ScopedImage image;
   ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, ZEP_RGBX32);
   ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, 0x40000000);
-  EXPECT_EQ(ZEP_image_check(image), 0x10050011u);
+  EXPECT_EQ(ZEP_image_check(image), (ZEP_ERR_CORRUPT | 0x11));
   ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, 0x10000);
   ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, 0x10000);
-  EXPECT_EQ(ZEP_image_check(image), 0x10050011u);
+  EXPECT_EQ(ZEP_image_check(image), (ZEP_ERR_CORRUPT | 0x11));
   EXPECT_EQ(errors.last().message, "Image too large");
 }
 

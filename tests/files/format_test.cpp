@@ -1,10 +1,12 @@
 // Format detection by content, the read and write dispatch, and raw pixel data written whole or
 // strip by strip. Also writes the seed corpora that the fuzz targets start from.
 #include "files/files_support.h"
+#include "files/jpeg_support.h"
 #include "imaging/files/file_registry.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <functional>
 #include <utility>
 
@@ -69,7 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Sample{"bmp_cut_short", {'B', 'M', 0, 0, 0, 0, 0}, ZEP_FILE_UNKNOWN},
                     Sample{"empty", {}, ZEP_FILE_UNKNOWN},
                     Sample{"text", {'h', 'e', 'l', 'l', 'o'}, ZEP_FILE_UNKNOWN}),
-    [](const testing::TestParamInfo<Sample> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<Sample> &param_info) { return std::string(param_info.param.name); });
 
 TEST(Detection, MissingFileFailsToOpenInTheDetectorAndEveryReader) {
   ErrorCapture errors;
@@ -193,12 +195,12 @@ TEST(Writers, RefuseWhatTheyCannotWrite) {
     const char *function;
     const char *message;
   } cases[] = {
-      {ZEP_FILE_BMP, ZEP_Y16, "x", 0x1007000E, "ZEP_write_BMP_file", "Unsupported image format"},
-      {ZEP_FILE_BMP, ZEP_NONE, "x", 0x10050010, "ZEP_write_BMP_file", "Corrupt image"},
+      {ZEP_FILE_BMP, ZEP_Y16, "x", ZEP_ERR_UNSUPPORTED | ZEP_Y16, "ZEP_write_BMP_file", "Unsupported image format"},
+      {ZEP_FILE_BMP, ZEP_NONE, "x", (ZEP_ERR_CORRUPT | 0x10), "ZEP_write_BMP_file", "Corrupt image"},
       {ZEP_FILE_BMP, ZEP_RGB24, "no/x", ZEP_ERR_OPEN, "ZEP_write_BMP_file", "Failed to create file"},
-      {ZEP_FILE_TIFF, ZEP_RGB16, "x", 0x10070006, "ZEP_write_TIFF_file", "Unsupported image format"},
-      {ZEP_FILE_TIFF, ZEP_PALETTED, "x", 0x10070010, "ZEP_write_TIFF_file", "Unsupported palette/colourmap size"},
-      {ZEP_FILE_EPS, ZEP_RGB16, "x", 0x10070006, "ZEP_write_EPS_file", "Unsupported image format"},
+      {ZEP_FILE_TIFF, ZEP_RGB16, "x", ZEP_ERR_UNSUPPORTED | ZEP_RGB16, "ZEP_write_TIFF_file", "Unsupported image format"},
+      {ZEP_FILE_TIFF, ZEP_PALETTED, "x", ZEP_ERR_UNSUPPORTED | 16, "ZEP_write_TIFF_file", "Unsupported palette/colourmap size"},
+      {ZEP_FILE_EPS, ZEP_RGB16, "x", ZEP_ERR_UNSUPPORTED | ZEP_RGB16, "ZEP_write_EPS_file", "Unsupported image format"},
       {ZEP_FILE_EPS, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_EPS_file", "Failed to create file"},
       {ZEP_FILE_RAW, ZEP_CMYK32, "x", ZEP_ERR_UNSUPPORTED, "ZEP_write_raw_data_file", "Unsupported image format"},
       {ZEP_FILE_RAW, ZEP_Y8, "no/x", ZEP_ERR_OPEN, "ZEP_write_raw_data_file", "Failed to create file"},
@@ -248,6 +250,69 @@ TEST(FuzzSeeds, WrittenForEveryReader) {
       vrc::test::write_seed("format_detect_fuzz", std::string(writer.target) + "_" + name, file);
     }
   }
+  EXPECT_EQ(errors.count(), 0u);
+}
+
+// The C API's view of the registry is its rows, in order, and every writer stores every pixel
+// type its row names.
+TEST(Registry, DescribesEveryRowAndWritesEveryStoredType) {
+  ErrorCapture errors;
+  TempDir folder;
+  const auto rows = vrc::files::file_format_rows();
+  for (uint32_t i = 0; i < rows.size(); ++i) {
+    const ZEP_FILE_FORMAT_INFO *info = ZEP_file_format_info(i);
+    ASSERT_NE(info, nullptr);
+    EXPECT_EQ(info->code, rows[i].code);
+    EXPECT_STREQ(info->name, rows[i].name);
+    EXPECT_EQ(info->readable, rows[i].read != nullptr ? 1u : 0u) << info->name;
+    EXPECT_EQ(info->writable, rows[i].write != nullptr ? 1u : 0u) << info->name;
+    for (uint16_t type : rows[i].stored_types) {
+      EXPECT_EQ(ZEP_file_format_stores_type(info->code, type), 1u);
+      ScopedImage picture;
+      vrc::test::make_pattern_image(picture, 6, 3, type);
+      // A JPEG file is written from a JPEG image: the picture is compressed first.
+      vrc::test::ScopedJpeg jpeg;
+      const bool compressed = info->code == ZEP_FILE_JPEG;
+      if (compressed) ASSERT_EQ(vrc::test::compress(picture, jpeg, 16), 0u) << type;
+      const uint32_t written = compressed ? static_cast<uint32_t>(jpeg) : static_cast<uint32_t>(picture);
+      ZEP_image_set_outfilename(written, folder.file("stored").c_str());
+      EXPECT_EQ(ZEP_image_write(written, 0, info->code, ZEP_ACTION_DATA), 0u)
+          << info->name << " " << type;
+    }
+  }
+  EXPECT_EQ(ZEP_file_format_info(static_cast<uint32_t>(rows.size())), nullptr);
+  EXPECT_EQ(ZEP_file_format_stores_type(ZEP_FILE_BMP, ZEP_Y16), 0u);
+  EXPECT_EQ(ZEP_file_format_stores_type(ZEP_FILE_UNKNOWN, ZEP_Y8), 0u);
+  EXPECT_EQ(errors.count(), 0u);
+}
+
+std::size_t open_descriptors() {
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                                                std::filesystem::directory_iterator()));
+}
+
+// Files that calls leave open (a header-only read, a write without data, a raw strip of a taller
+// image) stay open in their slots until every image is destroyed.
+TEST(OpenFileSlots, CloseWhenEveryImageIsDestroyed) {
+  ErrorCapture errors;
+  TempDir folder;
+  ASSERT_EQ(ZEP_image_destroy(ZEP_ALL_IMAGES), 0u);  // slots emptied of earlier tests' files
+  ScopedImage source;
+  vrc::test::make_pattern_image(source, 4, 4, ZEP_Y8);
+  ASSERT_EQ(vrc::test::write_bmp(source, folder.file("in.bmp")), 0u);
+  const std::size_t before = open_descriptors();
+
+  ScopedImage header;
+  EXPECT_EQ(vrc::test::read_bmp(header, folder.file("in.bmp"), 0), 0u);
+  EXPECT_EQ(vrc::test::write_tiff(source, folder.file("out.tif"), 0), 0u);
+  ZEP_image_set_parameter(source, ZEP_LINES_THIS_STRIP, 2);
+  ASSERT_EQ(ZEP_image_check(source), 0u);
+  ZEP_image_set_outfilename(source, folder.file("out.raw").c_str());
+  EXPECT_EQ(ZEP_write_raw_data_file(source, ZEP_ACTION_DATA), 0u);
+  EXPECT_EQ(open_descriptors(), before + 3);
+
+  ASSERT_EQ(ZEP_image_destroy(ZEP_ALL_IMAGES), 0u);
+  EXPECT_EQ(open_descriptors(), before);
   EXPECT_EQ(errors.count(), 0u);
 }
 

@@ -188,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(
                    ZEP_YUV422,
                    {8, 0, 12, 0, 20, 3, 1, 0x21, 0, 2, 0x11, 1, 3, 0x11, 1},
                    {3, 1, 0x00, 2, 0x11, 3, 0x11, 0, 63, 0}}),
-    [](const testing::TestParamInfo<LayoutCase> &info) { return info.param.name; });
+    [](const testing::TestParamInfo<LayoutCase> &param_info) { return param_info.param.name; });
 
 struct DjpegCase {
   uint16_t type;
@@ -243,10 +243,10 @@ std::vector<DjpegCase> djpeg_cases() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, DjpegReads, testing::ValuesIn(djpeg_cases()),
-                         [](const testing::TestParamInfo<DjpegCase> &info) {
-                           return std::string(info.param.type_name) + "_" +
-                                  std::to_string(info.param.width) + "x" +
-                                  std::to_string(info.param.height);
+                         [](const testing::TestParamInfo<DjpegCase> &param_info) {
+                           return std::string(param_info.param.type_name) + "_" +
+                                  std::to_string(param_info.param.width) + "x" +
+                                  std::to_string(param_info.param.height);
                          });
 
 struct CjpegCase {
@@ -288,8 +288,8 @@ INSTANTIATE_TEST_SUITE_P(Baseline, CjpegFiles,
                          testing::Values(CjpegCase{"Grey", "-grayscale", 1, ZEP_Y8},
                                          CjpegCase{"Yuv422", "-sample 2x1", 3, ZEP_YUV422},
                                          CjpegCase{"Yuv411", "-sample 2x2", 3, ZEP_DATA16_C}),
-                         [](const testing::TestParamInfo<CjpegCase> &info) {
-                           return info.param.name;
+                         [](const testing::TestParamInfo<CjpegCase> &param_info) {
+                           return param_info.param.name;
                          });
 
 // Coding processes other than baseline sequential Huffman with 8-bit samples, and restart

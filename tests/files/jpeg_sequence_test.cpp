@@ -65,6 +65,17 @@ TEST_F(JpegSequence, FramesAreJoinedByNumberedRestartMarkers) {
   EXPECT_EQ(m_errors.count(), 0u);
 }
 
+// zep info counts the frames of a sequence file.
+TEST_F(JpegSequence, ZepInfoCountsTheFrames) {
+  make_sequence(3);
+  int status = 0;
+  const std::string info = run_command(
+      std::string(ZEP_TOOL) + " info " + m_folder.file("sequence.jpg") + " 2>&1", &status);
+  EXPECT_EQ(status, 0) << info;
+  EXPECT_NE(info.find("size:    48 x 16\n"), std::string::npos) << info;
+  EXPECT_NE(info.find("frames:  3\n"), std::string::npos) << info;
+}
+
 // Every frame reads back, in any order, with its own data, and decodes as its single picture.
 TEST_F(JpegSequence, FramesExtractInAnyOrder) {
   make_sequence(4);

@@ -306,8 +306,8 @@ TEST_P(TiffForeign, ReadsPillowAndLibtiffFiles) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sources, TiffForeign, testing::Values("pillow", "big-endian", "strips"),
-                         [](const testing::TestParamInfo<const char *> &info) {
-                           std::string name = info.param;
+                         [](const testing::TestParamInfo<const char *> &param_info) {
+                           std::string name = param_info.param;
                            std::erase(name, '-');
                            return name;
                          });
@@ -411,7 +411,7 @@ TEST(TiffRead, PixelsPastTheEndAreReadSilentlyAsZeros) {
   };
   const Silent damages[] = {
       {{"strip_offset_past_end", [](Bytes &f) { set_entry(f, 273, 1, 0x00FFFFFF); }, 0, ""}, 0},
-      {{"cut_after_one_line", [](Bytes &f) { f.resize(f.size() - 8); }, 0, ""}, 1},
+      {{"cut_after_one_line", [](Bytes &f) { f.erase(f.end() - 8, f.end()); }, 0, ""}, 1},
       {{"height_past_file", [](Bytes &f) { set_entry(f, 257, 1, 60000); }, 0, ""}, 3},
   };
   for (const Silent &damage : damages) {

@@ -103,4 +103,16 @@ TEST(ZepTool, MistakesGetAMessageAndAStatus) {
   }
 }
 
+// A failure is printed once, as what the tool tried and, after a colon, the library's reason.
+TEST(ZepTool, PrintsEachFailureOnceWithTheLibrarysReason) {
+  TempDir folder;
+  ASSERT_EQ(zep("demo " + folder.file("d")).status, 0);
+  const ToolRun run = zep("convert " + folder.file("d/grey.bmp") + " /nonexistent/x.bmp");
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.output, "zep: cannot write '/nonexistent/x.bmp': Failed to create file (error 0x10090000)\n");
+  const ToolRun missing = zep("info " + folder.file("none.bmp"));
+  EXPECT_EQ(missing.output, "zep: " + folder.file("none.bmp") +
+                                ": cannot open the file: Failed to open file (error 0x10090000)\n");
+}
+
 }  // namespace

@@ -9,15 +9,26 @@
 
 namespace vrc::test {
 
-void fill_picture(uint32_t image, uint16_t type, uint32_t width, uint32_t height,
-                  const Bytes &bytes) {
+namespace {
+
+// Gives `image` the geometry of a whole picture and one zeroed strip for it.
+ZEP_IMAGE &whole_picture(uint32_t image, uint16_t type, uint32_t width, uint32_t height) {
   ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type);
   ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, width);
   ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, height);
   ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, height);
   ZEP_image_free_data(image);
-  ASSERT_EQ(ZEP_image_malloc_a_strip(image), 0u);
+  EXPECT_EQ(ZEP_image_malloc_a_strip(image), 0u);
   ZEP_IMAGE &record = record_of(image);
+  std::memset(record.data, 0, record.strip_bytes);
+  return record;
+}
+
+}  // namespace
+
+void fill_picture(uint32_t image, uint16_t type, uint32_t width, uint32_t height,
+                  const Bytes &bytes) {
+  ZEP_IMAGE &record = whole_picture(image, type, width, height);
   ASSERT_EQ(record.strip_bytes, bytes.size());
   std::copy(bytes.begin(), bytes.end(), record.data);
 }
@@ -51,14 +62,7 @@ void write_pixel(uint16_t type, uint8_t *p, const Rgb &c) {
 }  // namespace
 
 void make_test_picture(uint32_t image, uint16_t type, uint32_t width, uint32_t height) {
-  ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, width);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, height);
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, height);
-  ZEP_image_free_data(image);
-  ASSERT_EQ(ZEP_image_malloc_a_strip(image), 0u);
-  ZEP_IMAGE &record = record_of(image);
-  std::memset(record.data, 0, record.strip_bytes);
+  ZEP_IMAGE &record = whole_picture(image, type, width, height);
   const uint32_t pixel_bytes = record.depth == 16 ? 2 : (record.depth + 1) / 8;
   for (uint32_t y = 0; y < height; ++y) {
     uint8_t *line = record.data + std::size_t{y} * record.bytes_per_line;

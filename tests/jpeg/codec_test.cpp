@@ -137,20 +137,6 @@ TEST(Codec, ImageCopyDecodes) {
   ZEP_image_destroy(jpeg);
 }
 
-// The padded copy is coded at whole MCUs: a 20 x 12 colour picture costs as many blocks as
-// 32 x 16; a grey picture of width 24 needs no padding, a colour one does.
-TEST(Codec, PaddedSizesCodeWholeMcus) {
-  ErrorCapture errors;
-  ScopedImage small, padded;
-  make_test_picture(small, ZEP_RGB24, 20, 12);
-  make_test_picture(padded, ZEP_RGB24, 32, 16);
-  const uint32_t a = compressed(small), b = compressed(padded);
-  // Both streams hold 2 x 2 MCUs of four blocks: their lengths are of the same order.
-  EXPECT_GT(stream_of(a).size() * 3, stream_of(b).size());
-  ZEP_image_destroy(a);
-  ZEP_image_destroy(b);
-}
-
 // --- Refusals ------------------------------------------------------------------------------
 
 struct Refusal {
@@ -175,6 +161,10 @@ uint32_t compress_strip(uint32_t plain, uint32_t jpeg) {
 }
 uint32_t compress_rgb16(uint32_t plain, uint32_t jpeg) {
   ZEP_image_set_parameter(plain, ZEP_IMAGE_TYPE, ZEP_RGB16);
+  return ZEP_JPEG_compress(plain, jpeg);
+}
+uint32_t compress_without_pixels(uint32_t plain, uint32_t jpeg) {
+  ZEP_image_free_data(plain);
   return ZEP_JPEG_compress(plain, jpeg);
 }
 uint32_t compress_corrupt(uint32_t plain, uint32_t jpeg) {
@@ -240,6 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "This function only supports a complete image"},
         Refusal{"compress_rgb16", compress_rgb16, "ZEP_JPEG_compress", 0x10070006,
                 "Unsupported image format"},
+        Refusal{"compress_without_pixels", compress_without_pixels, "ZEP_JPEG_compress", 0x10050000,
+                "Image has no data"},
         Refusal{"compress_corrupt", compress_corrupt, "ZEP_JPEG_compress", 0x10050002,
                 "Corrupt image", 2},
         Refusal{"decompress_rgb24_type", decompress_rgb24_type, "ZEP_JPEG_decompress", 0x10070007,
@@ -365,6 +357,20 @@ INSTANTIATE_TEST_SUITE_P(
         Malformed{"colour_truncated", ZEP_YUV422, flat_y1_y2_then({}), 0x100C0003,
                   "U: corrupt DC Huffman sequence"}),
     [](const auto &param_info) { return std::string(param_info.param.name); });
+
+// Data that could not hold the picture's blocks (two bits each at the least) is refused before
+// the picture is allocated.
+TEST(Codec, DataTooShortForThePictureIsRefused) {
+  ErrorCapture errors;
+  const uint32_t jpeg = jpeg_with_stream(ZEP_YUV422, 8000, 8000, {0x28, 0xA0, 0x28, 0xA0});
+  ScopedImage decoded;
+  errors.clear();
+  EXPECT_EQ(ZEP_JPEG_decompress(jpeg, decoded), 0x100C0006u);
+  ASSERT_EQ(errors.count(), 1u);
+  EXPECT_EQ(errors.last().message, "Unexpected end of JPEG stream");
+  EXPECT_EQ(record_of(decoded).data, nullptr);
+  ZEP_image_destroy(jpeg);
+}
 
 // A complete stream followed by EOI decodes: bits are taken past the data only when needed.
 TEST(Codec, EoiAfterCompleteDataIsNoError) {

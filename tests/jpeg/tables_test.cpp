@@ -86,28 +86,36 @@ TEST(Tables, QuantisationFactor50GivesScale16) {
   ZEP_image_destroy(jpeg);
 }
 
-// Each entry is the integer part of base x 16 / scale + 0.5 in single precision, clamped to
-// 0..255, with the reciprocal ((q >> 1) + 65536) / q; an entry of 0 gets the reciprocal 0.
-TEST(Tables, EntriesAndReciprocalsFollowTheScale) {
+// Entries are the integer part of base x 16 / scale + 0.5 (single precision), clamped to 0..255,
+// each with the reciprocal ((q >> 1) + 65536) / q; an entry of 0 gets the reciprocal 0.
+struct ScaledEntry {
+  uint16_t quality;
+  int table, zigzag;
+  uint8_t entry;
+  uint32_t reciprocal;
+};
+
+class ScaledEntryTest : public ::testing::TestWithParam<ScaledEntry> {};
+
+TEST_P(ScaledEntryTest, EntryAndReciprocal) {
+  const ScaledEntry &c = GetParam();
   ErrorCapture errors;
-  for (const uint16_t quality : {1, 5, 16, 32, 77, 333, 400}) {
-    const uint32_t jpeg = tables_at(quality);
-    const ZEP_JPEG_RECORD &record = jpeg_record(jpeg);
-    const float scale = 16.0f / quality;
-    for (int k = 0; k < 64; ++k) {
-      const int n = jpeg::kZigzagToNatural[k];
-      for (int t = 0; t < 2; ++t) {
-        const uint8_t base =
-            t == 0 ? jpeg::kLuminanceQuantisation[n] : jpeg::kChrominanceQuantisation[n];
-        const float value = float(base) * scale + 0.5f;
-        const uint32_t q = value >= 255.0f ? 255u : uint32_t(value);
-        ASSERT_EQ(record.quant[t][k], q) << quality << " " << k;
-        ASSERT_EQ(record.reciprocal[t][k], q == 0 ? 0 : ((q >> 1) + 65536) / q);
-      }
-    }
-    ZEP_image_destroy(jpeg);
-  }
+  const uint32_t jpeg = tables_at(c.quality);
+  EXPECT_EQ(jpeg_record(jpeg).quant[c.table][c.zigzag], c.entry);
+  EXPECT_EQ(jpeg_record(jpeg).reciprocal[c.table][c.zigzag], c.reciprocal);
+  ZEP_image_destroy(jpeg);
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Scales, ScaledEntryTest,
+    ::testing::Values(ScaledEntry{16, 0, 0, 16, 4096},    // K.1 DC unchanged
+                      ScaledEntry{32, 0, 0, 8, 8192},     // 16 x 0.5 + 0.5 = 8.5
+                      ScaledEntry{32, 0, 1, 6, 10923},    // 11 x 0.5 + 0.5 = 6.0
+                      ScaledEntry{5, 0, 63, 255, 257},    // 99 x 3.2 clamped to 255
+                      ScaledEntry{1, 1, 0, 255, 257},     // 17 x 16 clamped
+                      ScaledEntry{400, 0, 2, 0, 0},       // 12 x 0.04 + 0.5 < 1: entry 0
+                      ScaledEntry{400, 1, 63, 4, 16384},  // 99 x 0.04 + 0.5 = 4.46
+                      ScaledEntry{16, 1, 5, 24, 2731}));  // K.2 at zigzag 5 (natural 2)
 
 TEST(Tables, DefaultHuffmanTablesAreTurboJpegs) {
   ErrorCapture errors;

@@ -241,7 +241,7 @@ INSTANTIATE_TEST_SUITE_P(Defects, BadConfigurationFile,
                                            BadFile{"refused_value", "CameraColour=2", "not accepted"},
                                            BadFile{"not_a_number", "SrcXLength=wide", "bad number"},
                                            BadFile{"no_equals", "SrcXLength", "expected key=value"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& param_info) { return std::string(param_info.param.name); });
 
 TEST_F(SimBoard, MissingConfigurationFileFailsTheOpen) {
   ASSERT_EQ(VRX_ParameterSet(m_handle, ParamConfigFile, const_cast<char*>("/nonexistent/camera.vcf")), VRX_OK);

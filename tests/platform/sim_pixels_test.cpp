@@ -52,7 +52,7 @@ TEST_P(EveryFormat, RoundTripsALineWithinItsPrecision) {
 }
 
 INSTANTIATE_TEST_SUITE_P(CaptureFormats, EveryFormat, ::testing::Range(kCaptureFormatBase, kCaptureFormatBase + 32),
-                         [](const auto& info) { return std::string("k").append(std::to_string(info.param - kCaptureFormatBase)); });
+                         [](const auto& param_info) { return std::string("k").append(std::to_string(param_info.param - kCaptureFormatBase)); });
 
 TEST(CaptureFormats, LineLengths) {
   EXPECT_EQ(vrxsim::line_bytes(capture_format(0), 641), 641u);
@@ -218,7 +218,7 @@ TEST_P(CaptureEveryFormat, CapturesPaintsAndConverts) {
 
 INSTANTIATE_TEST_SUITE_P(CaptureFormats, CaptureEveryFormat,
                          ::testing::Range(kCaptureFormatBase, kCaptureFormatBase + 32),
-                         [](const auto& info) { return std::string("k").append(std::to_string(info.param - kCaptureFormatBase)); });
+                         [](const auto& param_info) { return std::string("k").append(std::to_string(param_info.param - kCaptureFormatBase)); });
 
 }  // namespace
 }  // namespace vrxsim_test

@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
                       RegisterFault{"too_long", PortCamera, 0x0104, {1, 2, 3, 4, 5}, VRX_ERR_ADDRESS},
                       RegisterFault{"grabber_id", PortFrameGrabber, 0x0000, {0, 0, 0, 1}, VRX_ERR_ADDRESS},
                       RegisterFault{"unknown_port", 0xC0080009, 0x0100, {1}, VRX_ERR_BAD_PARAMETER}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& param_info) { return std::string(param_info.param.name); });
 
 TEST_F(Ports, FrameGrabberRegistersAndReset) {
   std::vector<uint8_t> id(4);

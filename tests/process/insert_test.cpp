@@ -79,7 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Placement{"ZeroLine", 2, 1, 0, "Trying to insert image too high"},
                     Placement{"BottomEdge", 2, 1, 7, nullptr},
                     Placement{"PastBottomEdge", 2, 1, 8, "Trying to insert image too low"}),
-    [](const testing::TestParamInfo<Placement> &info) { return info.param.name; });
+    [](const testing::TestParamInfo<Placement> &param_info) { return param_info.param.name; });
 
 TEST(InsertRules, ImagesMustBeSoundAndOfOneFormat) {
   ErrorCapture errors;

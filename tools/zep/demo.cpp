@@ -55,11 +55,15 @@ bool write_demo_file(const DemoImage &demo, uint32_t image, const ZEP_FILE_FORMA
     if (!converted.created() ||
         ZEP_IS_ERROR(
             ZEP_image_convert(image, converted.handle(), demo.fallback, 0, ZEP_MODE_NEXT_STRIP))) {
+      fail("cannot convert %s pixels to %s", type_name(demo.type), type_name(demo.fallback));
       return false;
     }
     written = converted.handle();
   }
-  if (ZEP_IS_ERROR(write_image(written, path.c_str(), kind.code))) return false;
+  if (ZEP_IS_ERROR(write_image(written, path.c_str(), kind.code))) {
+    fail("cannot write '%s'", path.c_str());
+    return false;
+  }
   std::printf("           wrote %s (%s)\n", path.c_str(),
               type_name(ZEP_image_get_parameter(written, ZEP_IMAGE_TYPE)));
   return true;
@@ -85,7 +89,10 @@ int run_demo(int argc, char **argv) {
   int result = kSuccess;
   for (const DemoImage &demo : kDemoImages) {
     Image image;
-    if (!image.created()) return kFailure;
+    if (!image.created()) {
+      fail("cannot create an image");
+      return kFailure;
+    }
     ZEP_ImageMake(image.handle(), kWidth, kHeight, demo.type, demo.colour);
     print_parameters(demo.label, image.handle());
     for (const ZEP_FILE_FORMAT_INFO *kind : file_formats()) {

@@ -25,7 +25,7 @@ int describe(const char *path) {
   if (!path_fits(path)) return kFailure;
   const uint32_t format = ZEP_image_find_file_format(path);
   if (ZEP_IS_ERROR(format)) {
-    std::fprintf(stderr, "zep: %s: cannot open the file\n", path);
+    fail("%s: cannot open the file", path);
     return kFailure;
   }
   if (format == ZEP_FILE_UNKNOWN) {
@@ -35,10 +35,13 @@ int describe(const char *path) {
   }
   if (format == ZEP_FILE_JPEG) return describe_jpeg(path);
   Image image;
-  if (!image.created()) return kFailure;
+  if (!image.created()) {
+    fail("cannot create an image");
+    return kFailure;
+  }
   ZEP_image_set_infilename(image.handle(), path);
   if (ZEP_IS_ERROR(ZEP_image_read(image.handle(), ZEP_FILE_UNKNOWN, ZEP_ACTION_CLOSE))) {
-    std::fprintf(stderr, "zep: %s: cannot read the %s header\n", path, format_name(format));
+    fail("%s: cannot read the %s header", path, format_name(format));
     return kFailure;
   }
   const uint32_t handle = image.handle();
@@ -158,9 +161,12 @@ int run_convert(int argc, char **argv) {
   if (!path_fits(request->input) || !path_fits(request->output)) return kFailure;
   Image source;
   Image converted;
-  if (!source.created() || !converted.created()) return kFailure;
+  if (!source.created() || !converted.created()) {
+    fail("cannot create an image");
+    return kFailure;
+  }
   if (ZEP_IS_ERROR(read_whole_image(source.handle(), request->input))) {
-    std::fprintf(stderr, "zep: cannot read '%s'\n", request->input);
+    fail("cannot read '%s'", request->input);
     return kFailure;
   }
   uint32_t result = source.handle();
@@ -176,14 +182,13 @@ int run_convert(int argc, char **argv) {
     if (ZEP_IS_ERROR(ZEP_image_convert(source.handle(), converted.handle(),
                                        static_cast<uint16_t>(wanted_type), 0,
                                        ZEP_MODE_NEXT_STRIP))) {
-      std::fprintf(stderr, "zep: cannot convert %s pixels to %s\n", type_name(source_type),
-                   type_name(wanted_type));
+      fail("cannot convert %s pixels to %s", type_name(source_type), type_name(wanted_type));
       return kFailure;
     }
     result = converted.handle();
   }
   if (ZEP_IS_ERROR(write_image(result, request->output, *request->format, request->quality))) {
-    std::fprintf(stderr, "zep: cannot write '%s'\n", request->output);
+    fail("cannot write '%s'", request->output);
     return kFailure;
   }
   std::printf("%s: %s, %u x %u, %s\n", request->output, format_name(*request->format),

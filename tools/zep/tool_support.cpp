@@ -1,9 +1,10 @@
-// zep: names of formats, the error handler that prints the library's reports, and whole-image
-// reading and writing through the library's file functions.
+// zep: names of formats, failures printed once with the library's report as their reason, and
+// whole-image reading and writing through the library's file functions.
 #include "tools/zep/zep_tool.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <sstream>
@@ -13,19 +14,16 @@
 namespace zep_tool {
 namespace {
 
-std::string upper(std::string_view text) {
+// `text` with every character passed through `map` (std::toupper or std::tolower).
+std::string mapped(std::string_view text, int (*map)(int)) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char c) { return std::toupper(c); });
+                 [map](unsigned char c) { return static_cast<char>(map(c)); });
   return result;
 }
 
-std::string lower(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char c) { return std::tolower(c); });
-  return result;
-}
+std::string upper(std::string_view text) { return mapped(text, std::toupper); }
+std::string lower(std::string_view text) { return mapped(text, std::tolower); }
 
 // Whether `extension` (lower case) is one of the format's blank-separated extensions.
 bool has_extension(const ZEP_FILE_FORMAT_INFO &format, const std::string &extension) {
@@ -36,12 +34,20 @@ bool has_extension(const ZEP_FILE_FORMAT_INFO &format, const std::string &extens
   return false;
 }
 
-uint32_t print_report(uint32_t, const char *function_name, uint32_t code, const char *message) {
-  if (message != nullptr && message[0] != '\0') {
-    std::fprintf(stderr, "zep: %s: %s (error 0x%08x)\n", function_name, message, code);
-  } else {
-    std::fprintf(stderr, "zep: %s failed (error 0x%08x)\n", function_name, code);
-  }
+// The library's last report, kept until the failure it belongs to is printed.
+struct Report {
+  bool pending = false;
+  uint32_t code = 0;
+  std::string message;
+};
+
+Report &last_report() {
+  static Report report;
+  return report;
+}
+
+uint32_t remember_report(uint32_t, const char *, uint32_t code, const char *message) {
+  last_report() = {true, code, message != nullptr ? message : ""};
   return 0;
 }
 
@@ -115,7 +121,25 @@ std::optional<uint16_t> output_format_from_extension(std::string_view path) {
 
 void start_library() {
   ZEP_Init();
-  ZEP_ErrHandlerInstall(&print_report);
+  ZEP_ErrHandlerInstall(&remember_report);
+}
+
+void fail(const char *format, ...) {
+  std::string line = "zep: ";
+  char what[512];
+  std::va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(what, sizeof what, format, arguments);
+  va_end(arguments);
+  line += what;
+  Report &report = last_report();
+  if (report.pending) {
+    char why[64];
+    std::snprintf(why, sizeof why, "error 0x%08x", report.code);
+    line += ": " + (report.message.empty() ? std::string(why) : report.message + " (" + why + ")");
+    report = {};
+  }
+  std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 bool path_fits(const char *path) {

@@ -36,8 +36,12 @@ enum class Case { Upper, Lower };
 std::string format_list(bool (*keep)(const ZEP_FILE_FORMAT_INFO &), Case letters,
                         const char *separator, const char *last_separator);
 
-// Starts the library and prints every reported failure as one line on standard error.
+// Starts the library with an error handler that keeps the last report instead of printing it.
 void start_library();
+
+// Prints one failure as "zep: WHAT: WHY": WHAT formatted from `format` (what the tool tried),
+// WHY the library's report of the failure when it made one since the last failure printed.
+[[gnu::format(printf, 1, 2)]] void fail(const char *format, ...);
 
 // Fits a path into an image's 127-character name field; false (with a message) when too long.
 bool path_fits(const char *path);

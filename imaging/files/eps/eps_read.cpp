@@ -4,8 +4,8 @@
 // on fixed lines after the header. The pixels are hexadecimal digits; every other character
 // between them is skipped.
 //
-// The colour count of an indexed colour space is one less than the entries written, so the last
-// colour of a paletted page is read as black, as it always has been.
+// QUIRK: the colour count of an indexed colour space is one less than the entries written, so the
+// last colour of a paletted page is read as black.
 #include "imaging/core/report.h"
 #include "imaging/files/eps/eps_layout.h"
 #include "imaging/files/file_common.h"

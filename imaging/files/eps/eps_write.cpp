@@ -1,7 +1,7 @@
 // Writing Y1, Y8, paletted and RGB24 images as EPS pages. Paletted images use an indexed colour
 // space (a LanguageLevel 2 image dictionary); the others use the "image" / "colorimage"
-// operators with a hexadecimal string procedure. The RGB24 header carries an "Extensions: CMYK"
-// comment, as it always has.
+// operators with a hexadecimal string procedure. QUIRK: the RGB24 header carries an
+// "Extensions: CMYK" comment.
 #include "imaging/core/report.h"
 #include "imaging/files/eps/eps_layout.h"
 #include "imaging/files/file_common.h"

@@ -7,9 +7,8 @@
 #include "imaging/files/jpeg/simd_lanes.h"
 #include "imaging/files/jpeg/standard_tables.h"
 
+namespace vrc::jpeg {
 namespace {
-
-using namespace vrc::jpeg;
 
 template <class L>
 struct Block {
@@ -174,3 +173,4 @@ void inverse_transform(Block<L> &b) {
 }
 
 }  // namespace
+}  // namespace vrc::jpeg

@@ -53,6 +53,37 @@ uint32_t decode_into(uint32_t image, const ZEP_JPEG_RECORD &record, const Sampli
   return decode_scan(record, sampling, output);
 }
 
+// The picture's size, and its size at whole MCUs.
+struct Geometry {
+  uint32_t width, height;
+  uint32_t coded_width, coded_height;
+  bool padded() const { return coded_width != width || coded_height != height; }
+};
+
+// The checks that precede any allocation; 0 or the reported code.
+uint32_t check_decode(const ZEP_IMAGE &jpeg, const ZEP_JPEG_RECORD &record,
+                      const Sampling &sampling, const Geometry &size, uint16_t destination_type) {
+  // A JPEG image whose strips are shorter than the picture is decoded a strip of MCUs at a time;
+  // 4:1:1 MCUs are 16 lines high.
+  const uint32_t strip = jpeg.lines_this_strip;
+  if (sampling.luma_v == 2 && strip != 0 && strip < jpeg.height && strip % 16 != 0)
+    return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | (strip & 0xFFFF),
+                        "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines");
+  if (output_type(sampling, destination_type) == 0)
+    return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | destination_type,
+                        "Unsupported image type/pixel format");
+  // The crop back to size takes 16-bit region values.
+  if (size.padded() && (size.width > 32767 || size.height > 32767))
+    return core::report(kDecompress, ZEP_ERR_UNSUPPORTED | jpeg.type, "Unsupported image format");
+  // Every block takes at least two bits (a DC code and an end of block): data too short for the
+  // picture is refused before the picture is allocated.
+  const uint64_t blocks =
+      uint64_t{size.coded_width / 8} * (size.coded_height / 8) * (sampling.components == 1 ? 1 : 2);
+  if (record.length != 0 && uint64_t{record.length} * 8 < blocks * 2)
+    return core::report(kDecodeStripName, ZEP_ERR_UNEXPECTED | 6, "Unexpected end of JPEG stream");
+  return 0;
+}
+
 uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
   const JpegImage source = jpeg_image_of(jpeg_image, kDecompress);
   if (source.record == nullptr) return source.status;
@@ -64,30 +95,24 @@ uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
                         "Unsupported image format");
   ZEP_IMAGE *target = core::record_or_report(destination, kDecompress);
   if (target == nullptr) return ZEP_ERR_HANDLE;
-  // A JPEG image whose strips are shorter than the picture is decoded a strip of MCUs at a time;
-  // 4:1:1 MCUs are 16 lines high.
-  const uint32_t strip = source.image->lines_this_strip;
-  if (sampling->luma_v == 2 && strip != 0 && strip < source.image->height && strip % 16 != 0)
-    return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | (strip & 0xFFFF),
-                        "For YUV 4:1:1 JPEG decoding, strip must be multiple of 16 lines");
+  const uint32_t width = source.image->width, height = source.image->height;
+  const Geometry size{width, height, round_up(width, sampling->mcu_width),
+                      round_up(height, sampling->mcu_height)};
+  if (const uint32_t status =
+          check_decode(*source.image, *source.record, *sampling, size, target->type);
+      status != 0)
+    return status;
 
   const uint16_t type = output_type(*sampling, target->type);
-  if (type == 0)
-    return core::report(kDecodeStripName, ZEP_ERR_UNSUPPORTED | target->type,
-                        "Unsupported image type/pixel format");
-  const uint32_t width = source.image->width;
-  const uint32_t height = source.image->height;
-  const uint32_t coded_width = round_up(width, sampling->mcu_width);
-  const uint32_t coded_height = round_up(height, sampling->mcu_height);
   const uint32_t line_align = target->line_align;
   uint32_t status = 0;
-  if (coded_width == width && coded_height == height && destination != jpeg_image) {
+  if (!size.padded() && destination != jpeg_image) {
     status = decode_into(destination, *source.record, *sampling, type, width, height, line_align);
   } else {
     ScopedImage decoded;
     if (decoded.failed()) return decoded.handle();
-    status = decode_into(decoded.handle(), *source.record, *sampling, type, coded_width,
-                         coded_height, line_align);
+    status = decode_into(decoded.handle(), *source.record, *sampling, type, size.coded_width,
+                         size.coded_height, line_align);
     if (status == 0) status = crop_to_picture(decoded.handle(), destination, width, height);
   }
   target->flags &= ~ZEP_FLAG_JPEG;

@@ -90,6 +90,8 @@ uint32_t compress(uint32_t source, uint32_t jpeg_image) {
                         "This function only supports a complete image");
   if (!is_codable_source(from.type))
     return core::report(kCompress, ZEP_ERR_UNSUPPORTED | from.type, "Unsupported image format");
+  if (from.data == nullptr && from.strip_bytes != 0)
+    return core::report(kCompress, ZEP_ERR_CORRUPT, "Image has no data");
 
   ZEP_copy_outfilename(jpeg_image, source);
   if (const uint32_t status = ZEP_JPEG_set_image(source, jpeg_image); ZEP_IS_ERROR(status))

@@ -1,6 +1,8 @@
 // Edge-repeating copy of an image into a larger one of the same type.
 #include "imaging/files/jpeg/encoder_padding.h"
 
+#include "imaging/core/pixel_formats.h"
+
 #include <cstring>
 
 namespace vrc::jpeg {
@@ -22,7 +24,7 @@ void fill_padded_copy(const ZEP_IMAGE &source, ZEP_IMAGE &padded) {
     return;
   }
   const bool yuv = source.type == ZEP_YUV422;
-  const uint32_t pixel_bytes = yuv ? 4 : (source.depth + 1) / 8;  // a YUV "pixel" is a pair
+  const uint32_t pixel_bytes = yuv ? 4 : core::pixel_bytes(source.type);  // a YUV unit is a pair
   const uint32_t units = yuv ? (source.width + 1) / 2 : source.width;
   const uint32_t padded_units = yuv ? padded.width / 2 : padded.width;
   for (uint32_t y = 0; y < padded.height; ++y) {

@@ -1,6 +1,6 @@
 // Where JPEG joins the rest of the library: ZEP_image_copy of an image holding JPEG data decodes
 // it into the destination. (ZEP_image_read and ZEP_image_write reach the JPEG file functions
-// through the file-format dispatch.)
+// through the JPEG row of the file-format registry.)
 #include "imaging/core/handle_table.h"
 #include "imaging/core/library_hooks.h"
 #include "vrcw32/zep_jpeg.h"

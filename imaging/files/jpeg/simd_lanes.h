@@ -6,6 +6,7 @@
 
 #include <immintrin.h>
 
+namespace vrc::jpeg {
 namespace {
 
 struct Sse2Lanes {
@@ -76,3 +77,4 @@ struct Avx2Lanes {
 #endif
 
 }  // namespace
+}  // namespace vrc::jpeg

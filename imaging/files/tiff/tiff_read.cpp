@@ -1,8 +1,8 @@
 // Reading uncompressed single-image TIFF files in either byte order: grey (1, 8 and 9..16 bits),
 // RGB (24 and 32 bits), and 4- or 8-bit palette images, in any number of strips.
 //
-// Two behaviours are kept as this reader has always had them: 16-bit samples and the colour map
-// are read most significant byte first whatever the file's byte order, and a failure while the
+// QUIRK: two behaviours are kept as this reader has always had them: 16-bit samples and the colour
+// map are read most significant byte first whatever the file's byte order, and a failure while the
 // pixels are read is silent (the call still succeeds, with the lines read so far).
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"

@@ -2,9 +2,9 @@
 //
 // The header, the directory and the extra data (colour map or BitsPerSample array, then the two
 // resolutions of 300/1) are laid out in memory first, every offset known up front, and written in
-// one go; the pixel data follows. Some values are kept as this format has always written them:
-// StripByteCounts of a Y16 image counts one byte per pixel although two are written, resolutions
-// carry no unit, and Y1, paletted and CMYK32 images get a header but no pixel bytes.
+// one go; the pixel data follows. QUIRK: some values are kept as this format has always written
+// them: StripByteCounts of a Y16 image counts one byte per pixel although two are written,
+// resolutions carry no unit, and Y1, paletted and CMYK32 images get a header but no pixel bytes.
 #include "imaging/core/report.h"
 #include "imaging/files/file_common.h"
 #include "imaging/files/tiff/tiff_layout.h"
