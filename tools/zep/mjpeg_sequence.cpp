@@ -1,6 +1,6 @@
 // zep seq: MJPEG files through the library's MJPEG handles. Frames are decoded to Y8 (grey) or
-// RGB24 (colour) when read, and compressed at the chosen quality scale when written; pixel
-// formats the encoder does not take are converted to RGB24 (or Y8 for grey) first.
+// RGB24 (colour) when read, and compressed at the chosen quality scale when written (frames of
+// other pixel formats converted to RGB24, or Y8 for grey, first).
 #include "tools/zep/sequence_format.h"
 #include "tools/zep/zep_tool.h"
 
@@ -9,20 +9,6 @@
 
 namespace zep_tool {
 namespace {
-
-// Source formats the JPEG encoder takes as they are.
-bool encoder_takes(uint32_t type) {
-  switch (type) {
-    case ZEP_Y8:
-    case ZEP_RGB24:
-    case ZEP_BGR24:
-    case ZEP_RGBX32:
-    case ZEP_BGRX32:
-    case ZEP_XBGR32:
-    case ZEP_YUV422: return true;
-    default: return false;
-  }
-}
 
 class MjpegReader : public SequenceReader {
  public:
@@ -72,7 +58,8 @@ class MjpegWriter : public SequenceWriter {
     Image converted;
     const uint32_t type = ZEP_image_get_parameter(image, ZEP_IMAGE_TYPE);
     uint32_t source = image;
-    if (!encoder_takes(type)) {
+    // Grey and RGB frames go to the encoder as they are; every other format as one of them.
+    if (type != ZEP_Y8 && type != ZEP_RGB24) {
       const uint16_t target = ZEP_image_is_colour(image) != 0 ? ZEP_RGB24 : ZEP_Y8;
       if (ZEP_IS_ERROR(
               ZEP_image_convert(image, converted.handle(), target, 0, ZEP_MODE_NEXT_STRIP)))
@@ -85,6 +72,9 @@ class MjpegWriter : public SequenceWriter {
       return false;
     ++m_written;
     return true;
+  }
+  uint32_t stored_type(uint32_t image) const override {
+    return ZEP_image_is_colour(image) != 0 ? ZEP_RGB24 : ZEP_Y8;
   }
   bool finish(uint32_t &frames_in_file) override {
     // The newest frame is only held in memory; closing drops it.

@@ -266,10 +266,10 @@ int seq_pack(const SeqRequest &request) {
     return kFailure;
   }
   const uint32_t image = first.handle();
-  std::printf("%s: %s, %u frames, %u x %u, %s\n", output, format->name, held,
+  std::printf("%s: %s, %u frame%s, %u x %u, %s\n", output, format->name, held, held == 1 ? "" : "s",
               ZEP_image_get_parameter(image, ZEP_IMAGE_WIDTH),
               ZEP_image_get_parameter(image, ZEP_IMAGE_HEIGHT),
-              type_name(ZEP_image_get_parameter(image, ZEP_IMAGE_TYPE)));
+              type_name(writer->stored_type(image)));
   if (held < given && format->shortfall_reason != nullptr) {
     std::printf("note: %s holds %u of the %u frames given: %s\n", output, held, given,
                 format->shortfall_reason);

@@ -3,6 +3,8 @@
 // see only these classes.
 #pragma once
 
+#include "vrcw32/zep.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -42,6 +44,10 @@ class SequenceWriter {
   virtual bool write(uint32_t image) = 0;
   // Closes the file; `frames_in_file` is what it then holds.
   virtual bool finish(uint32_t &frames_in_file) = 0;
+  // The pixel format the frames of `image` read back as.
+  virtual uint32_t stored_type(uint32_t image) const {
+    return ZEP_image_get_parameter(image, ZEP_IMAGE_TYPE);
+  }
 };
 
 struct SequenceFormat {
