@@ -14,15 +14,13 @@
 // that a Qt program does in its event loop.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
 #include "platform/window/message.h"
+#include "platform/window/posted_messages.h"
 
 class QEventLoop;
 class QObject;
@@ -33,17 +31,17 @@ class MessageQueue {
  public:
   MessageQueue();
   ~MessageQueue();
-  MessageQueue(const MessageQueue&) = delete;
-  MessageQueue& operator=(const MessageQueue&) = delete;
+  MessageQueue(const MessageQueue &) = delete;
+  MessageQueue &operator=(const MessageQueue &) = delete;
 
   // The calling thread's queue, made on first use.
-  static MessageQueue& current();
+  static MessageQueue &current();
 
-  void post(Window* target, uint32_t message, WPARAM wparam = 0, LPARAM lparam = 0);
+  void post(Window *target, uint32_t message, WPARAM wparam = 0, LPARAM lparam = 0);
   void post_quit(int exit_code);
-  LRESULT send(Window* target, uint32_t message, WPARAM wparam = 0, LPARAM lparam = 0);
+  LRESULT send(Window *target, uint32_t message, WPARAM wparam = 0, LPARAM lparam = 0);
   // `target` null matches every message; `first` = `last` = 0 matches every number.
-  std::optional<Message> peek(Window* target, uint32_t first, uint32_t last, bool remove);
+  std::optional<Message> peek(Window *target, uint32_t first, uint32_t last, bool remove);
 
   // Dispatches what is queued, in order; false when a WM_QUIT is waiting (it stays waiting).
   bool dispatch_pending();
@@ -52,29 +50,29 @@ class MessageQueue {
   // Runs the Qt event loop, dispatching, for `milliseconds` or until a WM_QUIT arrives, which
   // stays waiting; false in that case.
   bool run_for(uint32_t milliseconds);
-  static LRESULT dispatch(const Message& message);
+  static LRESULT dispatch(const Message &message);
 
   // Drops every message queued for `target` (the window is going away).
-  void forget(Window* target);
+  void forget(Window *target);
   std::size_t size() const;
+  // The most messages that waited at once, since construction or the last reset.
+  std::size_t high_water() const { return m_posted.high_water(); }
+  void reset_high_water() { m_posted.reset_high_water(); }
   bool on_owner_thread() const { return std::this_thread::get_id() == m_owner; }
 
  private:
-  void wake();
-  bool quit_waiting() const;
+  // The wake-up of the posted messages: a queued call on the owner thread.
+  void wake_owner();
   // Lets Qt deliver its pending events without dispatching this queue's messages.
   void pump_window_system();
 
   const std::thread::id m_owner;
-  mutable std::mutex m_mutex;
-  std::deque<Message> m_messages;
-  std::optional<int> m_quit;  // exit code of a posted quit not yet taken
-  bool m_pumping = false;     // owner thread only: inside pump_window_system,
-  int m_pump_level = 0;       // at this Qt event-loop level
+  PostedMessages m_posted;
+  bool m_pumping = false;  // owner thread only: inside pump_window_system,
+  int m_pump_level = 0;    // at this Qt event-loop level
   bool m_wake_deferred = false;
-  std::atomic<bool> m_wake_pending{false};
   std::unique_ptr<QObject> m_pump;  // lives on the owner thread; receives the wake-ups
-  QEventLoop* m_loop = nullptr;     // the loop `run` is in, if any
+  QEventLoop *m_loop = nullptr;     // the loop `run` is in, if any
 };
 
 }  // namespace vrc::window

@@ -1,4 +1,5 @@
 // The exported acquisition-library calls (VRX_) and the simulator's own (vrxsim_).
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <map>
@@ -10,6 +11,7 @@
 #include "platform/board/sim/api_guard.h"
 #include "platform/board/sim/handle_table.h"
 #include "platform/board/sim/vrxsim.h"
+#include "platform/board/sim/write_trace.h"
 
 namespace vrxsim {
 namespace {
@@ -79,8 +81,11 @@ uint32_t VRX_ParameterGet(uint32_t handle, uint32_t parameter, void* value) {
 }
 
 uint32_t VRX_ParameterSet(uint32_t handle, uint32_t parameter, void* value) {
-  return on_channel("VRX_ParameterSet", handle,
-                    [&](Channel& c, const CallReport& r) { return c.set_parameter(r, parameter, value); });
+  const uint32_t status = on_channel("VRX_ParameterSet", handle, [&](Channel& c, const CallReport& r) {
+    return c.set_parameter(r, parameter, value);
+  });
+  vrxsim::write_trace().record(handle, parameter, value, status);
+  return status;
 }
 
 uint32_t VRX_Acquire(uint32_t handle, uint32_t operation, void* argument) {
@@ -215,6 +220,26 @@ uint32_t vrxsim_parameter_force(uint32_t handle, uint32_t parameter, uint32_t va
 uint32_t vrxsim_set_pocl_camera(uint32_t handle, uint32_t attached) {
   return on_channel("vrxsim_set_pocl_camera", handle,
                     [&](Channel& c, const CallReport& r) { return c.set_pocl_camera(r, attached != 0); });
+}
+
+uint32_t vrxsim_set_cxp_trip(uint32_t handle, uint32_t tripped) {
+  return on_channel("vrxsim_set_cxp_trip", handle,
+                    [&](Channel& c, const CallReport& r) { return c.set_cxp_trip(r, tripped != 0); });
+}
+
+void vrxsim_trace_writes(uint32_t on) {
+  if (on)
+    vrxsim::write_trace().start();
+  else
+    vrxsim::write_trace().stop();
+}
+
+uint32_t vrxsim_traced_writes(VRXSIM_PARAMETER_WRITE* writes, uint32_t capacity, uint32_t* count) {
+  if (!count || (!writes && capacity > 0)) return VRX_ERR_NULL_ARGUMENT;
+  const std::vector<VRXSIM_PARAMETER_WRITE> recorded = vrxsim::write_trace().writes();
+  *count = static_cast<uint32_t>(recorded.size());
+  std::copy_n(recorded.begin(), std::min<std::size_t>(capacity, recorded.size()), writes);
+  return VRX_OK;
 }
 
 uint64_t vrxsim_event_time_ns(uint32_t handle) {

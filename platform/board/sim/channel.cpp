@@ -28,6 +28,12 @@ std::vector<const BoardModel*> installed_boards() {
   return boards;
 }
 
+// VRXSIM_POCL_CAMERA=1: the camera on every PoCL board draws power over the cable.
+bool pocl_camera_attached() {
+  const char* text = std::getenv("VRXSIM_POCL_CAMERA");
+  return text && std::strtoul(text, nullptr, 0) != 0;
+}
+
 double default_frame_rate() {
   const char* text = std::getenv("VRXSIM_FPS");
   double fps = text ? std::strtod(text, nullptr) : 0.0;
@@ -82,6 +88,7 @@ uint32_t Channel::open(const CallReport& report) {
   auto board = std::make_unique<OpenBoard>();
   board->model = &model;
   board->board_index = index;
+  board->pocl_camera = model.pocl && pocl_camera_attached();
   if (!m_selection.config_file.empty()) {
     std::string error;
     if (uint32_t status = read_vcf_file(m_selection.config_file, board->store, error))
@@ -237,6 +244,16 @@ uint32_t Channel::set_pocl_camera(const CallReport& report, bool attached) {
   std::lock_guard lock(m_mutex);
   if (!m_board) return report.fail(VRX_ERR_NOT_OPEN, "The handle is not open");
   m_board->pocl_camera = attached;
+  return VRX_OK;
+}
+
+uint32_t Channel::set_cxp_trip(const CallReport& report, bool tripped) {
+  std::lock_guard lock(m_mutex);
+  if (!m_board) return report.fail(VRX_ERR_NOT_OPEN, "The handle is not open");
+  if (m_board->model->interface != Interface::CoaXPress)
+    return report.fail(VRX_ERR_NOT_SUPPORTED,
+                       std::string("The ") + m_board->model->short_name + " has no CoaXPress link");
+  m_board->cxp.set_tripped(tripped);
   return VRX_OK;
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/board/sim/acquisition_engine.h"
+#include "platform/board/sim/cxp_link.h"
 #include "platform/board/sim/parameter_store.h"
 #include "platform/board/sim/register_space.h"
 #include "platform/board/sim/serial_camera.h"
@@ -65,6 +66,7 @@ class Channel {
   uint32_t inject_frame(const CallReport& report, std::vector<uint8_t> bytes);
   uint32_t force_parameter(const CallReport& report, uint32_t id, uint32_t value);
   uint32_t set_pocl_camera(const CallReport& report, bool attached);
+  uint32_t set_cxp_trip(const CallReport& report, bool tripped);
   // 0 when not open.
   uint64_t event_time_ns() const;
 
@@ -87,6 +89,7 @@ class Channel {
     std::string info_text;
     uint32_t power_lines = 0;   // output lines set: PowerLine12V, PowerLineGround
     bool pocl_camera = false;
+    CxpLink cxp;
     uint32_t comms_sent = 0, comms_received = 0;
   };
 

@@ -58,6 +58,20 @@ VRX_API uint32_t vrxsim_parameter_force(uint32_t handle, uint32_t parameter, uin
 VRX_API uint64_t vrxsim_event_time_ns(uint32_t handle);
 /* Whether a PoCL camera (one that draws power over the cable) is attached; default no. */
 VRX_API uint32_t vrxsim_set_pocl_camera(uint32_t handle, uint32_t attached);
+/* Trips (1) or restores (0) the CoaXPress camera power, as an over-current would; writing
+   "Trip Reset" to the power parameter restores it too. CoaXPress boards only. */
+VRX_API uint32_t vrxsim_set_cxp_trip(uint32_t handle, uint32_t tripped);
+
+/* Write trace: from vrxsim_trace_writes(1) on, every VRX_ParameterSet is recorded with its
+   handle, parameter, value (0 for the pointer-valued ones) and returned status, refused writes
+   included, until vrxsim_trace_writes(0); starting again clears the record. */
+typedef struct VRXSIM_PARAMETER_WRITE {
+  uint32_t handle, parameter, value, status;
+} VRXSIM_PARAMETER_WRITE;
+VRX_API void vrxsim_trace_writes(uint32_t on);
+/* Copies up to `capacity` recorded writes, oldest first; *count receives how many there are. */
+VRX_API uint32_t vrxsim_traced_writes(VRXSIM_PARAMETER_WRITE *writes, uint32_t capacity,
+                                      uint32_t *count);
 
 #ifdef __cplusplus
 }
