@@ -3,6 +3,8 @@
 #include "imaging/core/error_table.h"
 #include "imaging/core/library_lock.h"
 #include "vrcw32/zep_core.h"
+#include "vrcw32/zep_mjpeg.h"
+#include "vrcw32/zep_mraw.h"
 
 #include <atomic>
 
@@ -36,6 +38,8 @@ uint32_t ZEP_Init(void) {
     __atomic_store_n(&entry.handler, &ZEP_ErrHandlerDefault, __ATOMIC_RELEASE);
     __atomic_store_n(&entry.library_id, ZEP_LIBRARY_ID_VALUE, __ATOMIC_RELEASE);
     g_initialised.store(true, std::memory_order_release);
+    ZEP_MJPEG_InitLibrary();
+    ZEP_MRAW_InitLibrary();
   }
   return 0;
 }

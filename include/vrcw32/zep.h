@@ -11,5 +11,7 @@
 #include "vrcw32/zep_jpeg.h"
 #include "vrcw32/zep_jpeg_files.h"
 #include "vrcw32/zep_process.h"
+#include "vrcw32/zep_mjpeg.h"
+#include "vrcw32/zep_mraw.h"
 
 #endif

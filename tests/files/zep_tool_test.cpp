@@ -1,6 +1,6 @@
 // The zep command-line tool as a user runs it: demo files, info, convert, and the exit statuses
 // and messages of mistakes.
-#include "files/files_support.h"
+#include "files/zep_run.h"
 
 #include <gtest/gtest.h>
 
@@ -9,18 +9,8 @@
 namespace {
 
 using vrc::test::TempDir;
-
-struct ToolRun {
-  int status;
-  std::string output;  // standard output and standard error
-};
-
-ToolRun zep(const std::string &arguments) {
-  ToolRun run{};
-  run.output =
-      vrc::test::run_command(std::string(ZEP_TOOL) + " " + arguments + " 2>&1", &run.status);
-  return run;
-}
+using vrc::test::ToolRun;
+using vrc::test::zep;
 
 TEST(ZepTool, DemoWritesEveryImageAsBmpTiffEpsAndJpeg) {
   TempDir folder;

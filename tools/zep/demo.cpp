@@ -102,6 +102,7 @@ int run_demo(int argc, char **argv) {
         result = kFailure;
     }
   }
+  if (!write_demo_sequence(folder)) result = kFailure;
   return result;
 }
 

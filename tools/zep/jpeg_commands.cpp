@@ -55,27 +55,37 @@ uint32_t read_jpeg(uint32_t image, const char *path) {
   JpegImage jpeg;
   if (!jpeg.created()) return jpeg.handle();
   ZEP_image_set_infilename(jpeg.handle(), path);
-  uint32_t status = ZEP_JPEG_file_read(jpeg.handle());
-  if (ZEP_IS_ERROR(status)) return status;
-  const uint32_t type = ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_TYPE);
+  const uint32_t status = ZEP_JPEG_file_read(jpeg.handle());
+  return ZEP_IS_ERROR(status) ? status : decode_jpeg(jpeg.handle(), image);
+}
+
+void describe_decoded(uint32_t jpeg, uint32_t image) {
+  const uint32_t type = ZEP_image_get_parameter(jpeg, ZEP_IMAGE_TYPE);
+  const uint32_t height = ZEP_image_get_parameter(jpeg, ZEP_IMAGE_HEIGHT);
   ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type == ZEP_Y8 ? ZEP_Y8 : ZEP_RGB24);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH,
-                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_WIDTH));
-  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT,
-                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP,
-                          ZEP_image_get_parameter(jpeg.handle(), ZEP_IMAGE_HEIGHT));
-  return ZEP_JPEG_decompress(jpeg.handle(), image);
+  ZEP_image_set_parameter(image, ZEP_IMAGE_DEPTH, type == ZEP_Y8 ? 8 : 24);
+  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, ZEP_image_get_parameter(jpeg, ZEP_IMAGE_WIDTH));
+  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, height);
+  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, height);
+}
+
+uint32_t decode_jpeg(uint32_t jpeg, uint32_t image) {
+  describe_decoded(jpeg, image);
+  return ZEP_JPEG_decompress(jpeg, image);
+}
+
+uint32_t compress_jpeg(uint32_t image, uint32_t jpeg, std::optional<uint16_t> quality) {
+  if (quality) {
+    const uint32_t status = ZEP_JPEG_set_Quality_factor(jpeg, *quality);
+    if (ZEP_IS_ERROR(status)) return status;
+  }
+  return ZEP_JPEG_compress(image, jpeg);
 }
 
 uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality) {
   JpegImage jpeg;
   if (!jpeg.created()) return jpeg.handle();
-  if (quality) {
-    const uint32_t status = ZEP_JPEG_set_Quality_factor(jpeg.handle(), *quality);
-    if (ZEP_IS_ERROR(status)) return status;
-  }
-  const uint32_t status = ZEP_JPEG_compress(image, jpeg.handle());
+  const uint32_t status = compress_jpeg(image, jpeg.handle(), quality);
   if (ZEP_IS_ERROR(status)) return status;
   ZEP_image_set_outfilename(jpeg.handle(), path);
   return ZEP_image_write(jpeg.handle(), 0, ZEP_FILE_JPEG, ZEP_ACTION_DATA);

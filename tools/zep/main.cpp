@@ -29,7 +29,18 @@ void usage(FILE *out) {
       "                               standard tables, larger: finer and bigger files)\n"
       "  demo [FOLDER]                make images in several pixel formats, print their "
       "parameters\n"
-      "                               and write them as %s into FOLDER (zep-demo)\n"
+      "                               and write them as %s into FOLDER (zep-demo),\n"
+      "                               with a numbered sequence seq001.tif ... seq012.tif\n"
+      "  seq info FILE [--frames]     show a sequence file's format, frame count, size and\n"
+      "                               pixel format; --frames lists each frame's number,\n"
+      "                               time stamp and size\n"
+      "  seq extract FILE N OUT       write frame N (from 1) as the image file OUT\n"
+      "  seq pack OUT.mraw|OUT.mjpg IN... [--quality Q]\n"
+      "                               make a sequence file of image files of one size\n"
+      "                               (MRAW frames take the first one's pixel format; MJPEG\n"
+      "                               frames are coded at quality scale Q)\n"
+      "  seq unpack FILE PREFIX.ext   write every frame as PREFIX001.ext, PREFIX002.ext,\n"
+      "                               ... (seq shows progress on a terminal unless --quiet)\n"
       "  help                         show this text\n",
       writable.c_str(), readable.c_str(),
       zep_tool::format_list(zep_tool::is_readable, Case::Upper, ", ", " and ").c_str());
@@ -51,6 +62,7 @@ int main(int argc, char **argv) {
   if (command == "demo") return zep_tool::run_demo(argc - 2, argv + 2);
   if (command == "info") return zep_tool::run_info(argc - 2, argv + 2);
   if (command == "convert") return zep_tool::run_convert(argc - 2, argv + 2);
+  if (command == "seq") return zep_tool::run_seq(argc - 2, argv + 2);
   std::fprintf(stderr, "zep: unknown command '%s'\n", argv[1]);
   usage(stderr);
   return zep_tool::kUsage;

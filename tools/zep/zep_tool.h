@@ -50,6 +50,8 @@ bool path_fits(const char *path);
 class Image {
  public:
   Image() : m_handle(ZEP_image_create()) {}
+  // Takes over an image made otherwise, such as by ZEP_JPEG_image_create.
+  explicit Image(uint32_t handle) : m_handle(handle) {}
   ~Image() {
     if (!ZEP_IS_ERROR(m_handle)) ZEP_image_destroy(m_handle);
   }
@@ -91,11 +93,21 @@ uint16_t conversion_request(uint32_t image, uint16_t type);
 // JPEG files (jpeg_commands.cpp): decoding one into `image`, compressing `image` into one, and
 // printing what one holds.
 uint32_t read_jpeg(uint32_t image, const char *path);
+// Gives `image` the size of the JPEG image `jpeg` and the pixel format it decodes to (Y8 for grey,
+// RGB24 for colour), without data.
+void describe_decoded(uint32_t jpeg, uint32_t image);
+// Decodes the JPEG image `jpeg` into `image` (Y8 or RGB24).
+uint32_t decode_jpeg(uint32_t jpeg, uint32_t image);
+// Compresses `image` into the JPEG image `jpeg`, at the quality scale `quality` when given.
+uint32_t compress_jpeg(uint32_t image, uint32_t jpeg, std::optional<uint16_t> quality);
 uint32_t write_jpeg(uint32_t image, const char *path, std::optional<uint16_t> quality);
 int describe_jpeg(const char *path);
 
 int run_demo(int argc, char **argv);
+// Writes the demo's numbered sequence seq001.tif ... into `folder`.
+bool write_demo_sequence(const std::string &folder);
 int run_info(int argc, char **argv);
 int run_convert(int argc, char **argv);
+int run_seq(int argc, char **argv);
 
 }  // namespace zep_tool

@@ -35,10 +35,23 @@ constexpr bool ends_entropy_data(uint8_t code) {
   return code != 0 && (code & 0xF8) != marker::kRst0;
 }
 
+// What a header may leave out or replace: an MJPEG sequence writes its own comment and relies on
+// the default Huffman tables.
+struct HeaderParts {
+  // When not empty, the comment segment's payload instead of the information block and the
+  // generator text.
+  std::span<const uint8_t> comment;
+  bool huffman_tables = true;
+};
+
 // The bytes of the file a JPEG image is written as, up to and including its SOS segment.
 // Fails (bad parameter, reported under `function_name`) when the image is too large for SOF0.
 uint32_t header_bytes(const char *function_name, const ZEP_IMAGE &image,
-                      const ZEP_JPEG_RECORD &record, std::vector<uint8_t> &bytes);
+                      const ZEP_JPEG_RECORD &record, std::vector<uint8_t> &bytes,
+                      const HeaderParts &parts = {});
+
+// Appends a comment segment (FF FE, length) holding `payload`.
+void comment_segment(std::span<const uint8_t> payload, std::vector<uint8_t> &bytes);
 
 // The whole file: header, entropy data, EOI.
 uint32_t file_bytes(const char *function_name, const ZEP_IMAGE &image,

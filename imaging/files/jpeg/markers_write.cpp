@@ -54,6 +54,12 @@ void write_comment(ByteWriter &out, const ZEP_JPEG_RECORD &record) {
   out.bytes(ZEP_JPEG_GENERATOR_TEXT, kTextBytes);
 }
 
+void write_comment(ByteWriter &out, std::span<const uint8_t> payload) {
+  out.marker(marker::kCom);
+  out.u16(static_cast<uint32_t>(2 + payload.size()));
+  out.bytes(payload.data(), payload.size());
+}
+
 void write_quantisation(ByteWriter &out, const ZEP_JPEG_RECORD &record) {
   out.marker(marker::kDqt);
   out.u16(kDqtLength);
@@ -114,18 +120,27 @@ void write_scan(ByteWriter &out, const ZEP_JPEG_RECORD &record) {
 }  // namespace
 
 uint32_t header_bytes(const char *function_name, const ZEP_IMAGE &image,
-                      const ZEP_JPEG_RECORD &record, std::vector<uint8_t> &bytes) {
+                      const ZEP_JPEG_RECORD &record, std::vector<uint8_t> &bytes,
+                      const HeaderParts &parts) {
   if (image.width > kMaxDimension || image.height > kMaxDimension)
     return core::report(function_name, ZEP_ERR_BAD_PARAM, "Image too large for a JPEG file");
   ByteWriter out(bytes);
   out.marker(marker::kSoi);
   write_app0(out);
-  write_comment(out, record);
+  if (parts.comment.empty())
+    write_comment(out, record);
+  else
+    write_comment(out, parts.comment);
   write_quantisation(out, record);
   write_frame(out, image, record);
-  write_huffman(out, record);
+  if (parts.huffman_tables) write_huffman(out, record);
   write_scan(out, record);
   return 0;
+}
+
+void comment_segment(std::span<const uint8_t> payload, std::vector<uint8_t> &bytes) {
+  ByteWriter out(bytes);
+  write_comment(out, payload);
 }
 
 uint32_t file_bytes(const char *function_name, const ZEP_IMAGE &image,
