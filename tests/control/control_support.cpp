@@ -36,6 +36,10 @@ void record_report(const char *function, eStat status, const char *message) {
   g_reports.push_back({function, status, message});
 }
 
+std::ostream &operator<<(std::ostream &out, const Report &report) {
+  return out << report.function << " " << report.status << " \"" << report.message << '"';
+}
+
 std::vector<Report> take_reports() {
   std::lock_guard lock(g_reports_mutex);
   return std::exchange(g_reports, {});

@@ -23,7 +23,10 @@ struct Report {
   std::string function;
   eStat status;
   std::string message;
+  bool operator==(const Report &) const = default;
 };
+using Reports = std::vector<Report>;
+std::ostream &operator<<(std::ostream &out, const Report &report);
 
 // The reports of the error callback, in order (the callback may run on the SDK's thread).
 std::vector<Report> take_reports();

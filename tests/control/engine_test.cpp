@@ -258,11 +258,8 @@ TEST_F(PanelTest, FailedCounterReadReportsAndKeepsCounting) {
   desk().use_manual_clock(0);
   errno = 0;
   ctrl->DisplayStats();
-  std::vector<Report> reports = take_reports();
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].function, "VrxCtrl::DisplayStats");
-  EXPECT_EQ(reports[0].status, VRC_OK);
-  EXPECT_EQ(reports[0].message, "QPC() failed with error 0\n");
+  EXPECT_EQ(take_reports(),
+            (Reports{{"VrxCtrl::DisplayStats", VRC_OK, "QPC() failed with error 0\n"}}));
   EXPECT_EQ(ctrl->text(), "Vireo Control");
 }
 

@@ -149,11 +149,8 @@ TEST_F(PanelTest, TheSemaphoreReportsWhenPaintingFindsItFree) {
   make();
   ASSERT_TRUE(configure());
   ctrl->send(vrc::window::WM_USER + 12);  // a paint that no event asked for
-  std::vector<Report> reports = take_reports();
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].function, "VrxCtrl::PaintBuffer");
-  EXPECT_EQ(reports[0].status, VRC_OK);
-  EXPECT_EQ(reports[0].message, "Failed to release event semaphore");
+  EXPECT_EQ(take_reports(),
+            (Reports{{"VrxCtrl::PaintBuffer", VRC_OK, "Failed to release event semaphore"}}));
 }
 
 }  // namespace
