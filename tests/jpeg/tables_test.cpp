@@ -1,6 +1,7 @@
 // The codec's tables: quantisation tables from the quality scale and their reciprocals, and the
 // default Huffman tables, checked against the tables TurboJPEG writes at quality 50 (which are
-// T.81 Annex K's unscaled). The codes made from them are exercised by every round trip.
+// T.81 Annex K's unscaled). The codes made from them are checked by decoding TurboJPEG's streams
+// (turbojpeg_test) and by the round trips.
 #include "imaging/core/jpeg_record.h"
 #include "imaging/files/jpeg/huffman_decode.h"
 #include "imaging/files/jpeg/huffman_tables.h"
