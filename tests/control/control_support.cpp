@@ -161,7 +161,7 @@ void PanelTest::press(int id) {
 
 std::string PanelTest::buttons() const {
   std::string states;
-  for (int id : {17000, 17001, 17002, 17003, 17004, vrc::window::ID_APPLY_NOW}) {
+  for (int id : {kSingle, kLive, kFreeze, kAbort, kRefresh, kApplyNow}) {
     const vrc::window::Window *button = ctrl->child(id);
     states += button && button->enabled() ? '1' : '0';
   }

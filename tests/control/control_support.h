@@ -111,6 +111,13 @@ class RecordingPage : public CVrxPage {
   void record(const char *event);
 };
 
+// The sheet's buttons, and their states (as PanelTest::buttons gives them) on an open panel,
+// idle and live.
+constexpr int kSingle = 17000, kLive = 17001, kFreeze = 17002, kAbort = 17003, kRefresh = 17004;
+constexpr int kApplyNow = vrc::window::ID_APPLY_NOW;
+constexpr const char *kIdleButtons = "110110";
+constexpr const char *kLiveButtons = "001110";
+
 // A panel with its window over the simulated board.
 class PanelTest : public ControlTest {
  protected:

@@ -12,13 +12,6 @@ namespace {
 
 using vrc::control::PageSlot;
 
-constexpr int kSingle = 17000, kLive = 17001, kFreeze = 17002, kAbort = 17003, kRefresh = 17004;
-constexpr int kApplyNow = vrc::window::ID_APPLY_NOW;
-
-// Buttons: Single Shot, Live, Freeze, Abort, Refresh, Apply Now.
-constexpr const char *kIdle = "110110";
-constexpr const char *kLiveState = "001110";
-
 class Engine : public PanelTest {
  protected:
   void SetUp() override {
@@ -40,7 +33,7 @@ class Engine : public PanelTest {
 };
 
 TEST_F(Engine, ConfigureEnablesTheButtonsAndTitlesThePanel) {
-  EXPECT_EQ(buttons(), kIdle);
+  EXPECT_EQ(buttons(), kIdleButtons);
   EXPECT_EQ(ctrl->text(), "Vireo Board 1, Channel A");
   EXPECT_EQ(ctrl->GetInit(), 1);
   EXPECT_EQ(ctrl->GetAcq(), 1);
@@ -74,11 +67,12 @@ TEST_P(EngineStates, FollowTheStateTable) {
 
 INSTANTIATE_TEST_SUITE_P(
     Sequences, EngineStates,
-    ::testing::Values(std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kFreeze, 0, kIdle, 0}},
-                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kAbort, 0, kIdle, 0}},
-                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kApplyNow, 0, kIdle, 0}},
-                      std::vector<StateStep>{{kLive, 1, kLiveState, 1}, {kSingle, 0, kIdle, -1}},
-                      std::vector<StateStep>{{kAbort, 0, kIdle, 0}, {kRefresh, 0, kIdle, 0}}));
+    ::testing::Values(
+        std::vector<StateStep>{{kLive, 1, kLiveButtons, 1}, {kFreeze, 0, kIdleButtons, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveButtons, 1}, {kAbort, 0, kIdleButtons, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveButtons, 1}, {kApplyNow, 0, kIdleButtons, 0}},
+        std::vector<StateStep>{{kLive, 1, kLiveButtons, 1}, {kSingle, 0, kIdleButtons, -1}},
+        std::vector<StateStep>{{kAbort, 0, kIdleButtons, 0}, {kRefresh, 0, kIdleButtons, 0}}));
 
 TEST_F(Engine, SingleShotEndsWithTheFirstPaintedBuffer) {
   press(kSingle);
@@ -87,7 +81,7 @@ TEST_F(Engine, SingleShotEndsWithTheFirstPaintedBuffer) {
   EXPECT_EQ(ctrl->GetCounters().painted, 1u);
   EXPECT_EQ(display().GetSurface()->pictures_painted(), 1u);
   EXPECT_EQ(ctrl->GetBufferContext() != 0, true);
-  EXPECT_EQ(buttons(), kIdle);
+  EXPECT_EQ(buttons(), kIdleButtons);
 }
 
 TEST_F(Engine, TwoBufferReadyEventsBeforeAPaintGiveOnePaintAndOneStaleRelease) {
