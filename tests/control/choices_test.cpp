@@ -31,6 +31,10 @@ struct TableCase {
 
 std::ostream &operator<<(std::ostream &out, const TableCase &c) { return out << c.name; }
 
+// A page's combo table kNameChoices against the board's kNameValues, with the values left out.
+#define PAGE_TABLE(name, ...) \
+  (TableCase{#name, vrc::pages::k##name##Choices, vrx::k##name##Values, {__VA_ARGS__}})
+
 class PageTables : public ::testing::TestWithParam<TableCase> {};
 
 TEST_P(PageTables, OfferWhatTheBoardAccepts) {
@@ -48,67 +52,21 @@ TEST_P(PageTables, OfferWhatTheBoardAccepts) {
 
 INSTANTIATE_TEST_SUITE_P(
     Tables, PageTables,
-    ::testing::Values(
-        TableCase{"BoardNumber", vrc::pages::kBoardNumberChoices, vrx::kBoardNumberValues, {}},
-        TableCase{"Channel", vrc::pages::kChannelChoices, vrx::kChannelValues, {}},
-        TableCase{"BoardMode", vrc::pages::kBoardModeChoices, vrx::kBoardModeValues, {}},
-        TableCase{"CaptureFormat",
-                  vrc::pages::kCaptureFormatChoices,
-                  vrx::kCaptureFormatValues,
-                  {vrx::capture_format(3)}},
-        TableCase{"CameraType", vrc::pages::kCameraTypeChoices, vrx::kCameraTypeValues, {}},
-        TableCase{
-            "ClockPolarity", vrc::pages::kClockPolarityChoices, vrx::kClockPolarityValues, {}},
-        TableCase{"CameraDepth", vrc::pages::kCameraDepthChoices, vrx::kCameraDepthValues, {}},
-        TableCase{"CameraColour", vrc::pages::kCameraColourChoices, vrx::kCameraColourValues, {}},
-        TableCase{"HTapNumber", vrc::pages::kHTapNumberChoices, vrx::kHTapNumberValues, {}},
-        TableCase{
-            "HTapDirection", vrc::pages::kHTapDirectionChoices, vrx::kHTapDirectionValues, {}},
-        TableCase{"HTapType",
-                  vrc::pages::kHTapTypeChoices,
-                  vrx::kHTapTypeValues,
-                  {vrx::kHTapTypeUnlisted}},
-        TableCase{"HTapOrder", vrc::pages::kHTapOrderChoices, vrx::kHTapOrderValues, {}},
-        TableCase{"VTapNumber", vrc::pages::kVTapNumberChoices, vrx::kVTapNumberValues, {}},
-        TableCase{"VTapDirection",
-                  vrc::pages::kVTapDirectionChoices,
-                  vrx::kVTapDirectionValues,
-                  {vrx::kVTapDirectionConverging}},
-        TableCase{"VTapType", vrc::pages::kVTapTypeChoices, vrx::kVTapTypeValues, {}},
-        TableCase{"VTapOrder", vrc::pages::kVTapOrderChoices, vrx::kVTapOrderValues, {}},
-        TableCase{
-            "AcqTrigSource", vrc::pages::kAcqTrigSourceChoices, vrx::kAcqTrigSourceValues, {}},
-        TableCase{"AcqTrigMode", vrc::pages::kAcqTrigModeChoices, vrx::kAcqTrigModeValues, {}},
-        TableCase{"AcqTrigAlign", vrc::pages::kAcqTrigAlignChoices, vrx::kAcqTrigAlignValues, {}},
-        TableCase{"AcqTrigDelayType",
-                  vrc::pages::kAcqTrigDelayTypeChoices,
-                  vrx::kAcqTrigDelayTypeValues,
-                  {}},
-        TableCase{"TimerPeriodUnit",
-                  vrc::pages::kTimerPeriodUnitChoices,
-                  vrx::kTimerPeriodUnitValues,
-                  {}},
-        TableCase{"EventCountSource",
-                  vrc::pages::kEventCountSourceChoices,
-                  vrx::kEventCountSourceValues,
-                  {}},
-        TableCase{"EventGate", vrc::pages::kEventGateChoices, vrx::kEventGateValues, {}},
-        TableCase{"ChannelSync", vrc::pages::kChannelSyncChoices, vrx::kChannelSyncValues, {}},
-        TableCase{
-            "ExpTrigSource", vrc::pages::kExpTrigSourceChoices, vrx::kExpTrigSourceValues, {}},
-        TableCase{"Subsample", vrc::pages::kSubsampleChoices, vrx::kSubsampleValues, {}},
-        TableCase{
-            "InterlaceMode", vrc::pages::kInterlaceModeChoices, vrx::kInterlaceModeValues, {}},
-        TableCase{"CommsBaud", vrc::pages::kCommsBaudChoices, vrx::kCommsBaudValues, {}},
-        TableCase{
-            "CommsDataBits", vrc::pages::kCommsDataBitsChoices, vrx::kCommsDataBitsValues, {}},
-        TableCase{"CommsFlow", vrc::pages::kCommsFlowChoices, vrx::kCommsFlowValues, {}},
-        TableCase{"CommsParity", vrc::pages::kCommsParityChoices, vrx::kCommsParityValues, {}},
-        TableCase{
-            "CommsStopBits", vrc::pages::kCommsStopBitsChoices, vrx::kCommsStopBitsValues, {}},
-        TableCase{"CxpLinkSpeed", vrc::pages::kCxpLinkSpeedChoices, vrx::kCxpLinkSpeedValues, {}},
-        TableCase{"CxpLinkCount", vrc::pages::kCxpLinkCountChoices, vrx::kCxpLinkCountValues, {}},
-        TableCase{"CxpPower", vrc::pages::kCxpPowerChoices, vrx::kCxpPowerValues, {}}),
+    ::testing::Values(PAGE_TABLE(BoardNumber), PAGE_TABLE(Channel), PAGE_TABLE(BoardMode),
+                      PAGE_TABLE(CaptureFormat, vrx::capture_format(3)), PAGE_TABLE(CameraType),
+                      PAGE_TABLE(ClockPolarity), PAGE_TABLE(CameraDepth), PAGE_TABLE(CameraColour),
+                      PAGE_TABLE(HTapNumber), PAGE_TABLE(HTapDirection),
+                      PAGE_TABLE(HTapType, vrx::kHTapTypeUnlisted), PAGE_TABLE(HTapOrder),
+                      PAGE_TABLE(VTapNumber),
+                      PAGE_TABLE(VTapDirection, vrx::kVTapDirectionConverging),
+                      PAGE_TABLE(VTapType), PAGE_TABLE(VTapOrder), PAGE_TABLE(AcqTrigSource),
+                      PAGE_TABLE(AcqTrigMode), PAGE_TABLE(AcqTrigAlign),
+                      PAGE_TABLE(AcqTrigDelayType), PAGE_TABLE(TimerPeriodUnit),
+                      PAGE_TABLE(EventCountSource), PAGE_TABLE(EventGate), PAGE_TABLE(ChannelSync),
+                      PAGE_TABLE(ExpTrigSource), PAGE_TABLE(Subsample), PAGE_TABLE(InterlaceMode),
+                      PAGE_TABLE(CommsBaud), PAGE_TABLE(CommsDataBits), PAGE_TABLE(CommsFlow),
+                      PAGE_TABLE(CommsParity), PAGE_TABLE(CommsStopBits), PAGE_TABLE(CxpLinkSpeed),
+                      PAGE_TABLE(CxpLinkCount), PAGE_TABLE(CxpPower)),
     [](const ::testing::TestParamInfo<TableCase> &test) { return std::string(test.param.name); });
 
 TEST(ConfigureTables, BoardTypesShortNamesAndCoaXPressModels) {

@@ -12,6 +12,13 @@ using vrc::control::PageSlot;
 
 uint32_t as_word(etVrcParam p) { return static_cast<uint32_t>(p); }
 
+// The report text of a refused command or parameter word.
+std::string parameter_text(uint32_t word) {
+  char text[32];
+  std::snprintf(text, sizeof text, "Parameter = 0x%08x", word);
+  return text;
+}
+
 // ---- Construction ----
 
 struct TimerFailure {
@@ -27,11 +34,7 @@ TEST_P(ConstructionTimers, AFailedReadIsReportedAndStopsTheConstruction) {
   desk().use_manual_clock(GetParam().counter);
   errno = 0;
   CVrxCtrl ctrl(nullptr, &record_report);
-  std::vector<Report> reports = take_reports();
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].function, "VrxCtrl::DoConstruct");
-  EXPECT_EQ(reports[0].status, VRC_OK);
-  EXPECT_EQ(reports[0].message, GetParam().message);
+  EXPECT_EQ(take_reports(), (Reports{{"VrxCtrl::DoConstruct", VRC_OK, GetParam().message}}));
   EXPECT_TRUE(tabs_of(ctrl).empty());
   EXPECT_EQ(ctrl.GetAcq(), 1);
   EXPECT_EQ(ctrl.Exec(VRC_EXEC_CREATE), VRC_OK);  // the object stays usable
@@ -91,24 +94,16 @@ TEST_F(ControlTest, ExecCreatesTheWindowOnce) {
   EXPECT_EQ(vrc.GetCtrl()->text(), "Vireo Control");
   EXPECT_TRUE(take_reports().empty());
   EXPECT_EQ(vrc.Exec(VRC_EXEC_CREATE), VRC_CREATE_FAILED);
-  std::vector<Report> reports = take_reports();
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].function, "VrxCtrl::Exec");
-  EXPECT_EQ(reports[0].status, VRC_CREATE_FAILED);
-  EXPECT_EQ(reports[0].message, "Failed to create PropertySheet");
+  EXPECT_EQ(take_reports(),
+            (Reports{{"VrxCtrl::Exec", VRC_CREATE_FAILED, "Failed to create PropertySheet"}}));
 }
 
 TEST_F(ControlTest, ExecRefusesUnknownCommands) {
   CVrc vrc(nullptr, &record_report);
   for (uint32_t command : {0u, 0x80020300u, 0xFFFFFFFFu}) {
     EXPECT_EQ(vrc.Exec(static_cast<etVrcExec>(command)), VRC_BAD_PARAMETER);
-    std::vector<Report> reports = take_reports();
-    ASSERT_EQ(reports.size(), 1u);
-    char expected[32];
-    std::snprintf(expected, sizeof expected, "Parameter = 0x%08x", command);
-    EXPECT_EQ(reports[0].function, "VrxCtrl::Exec");
-    EXPECT_EQ(reports[0].status, VRC_BAD_PARAMETER);
-    EXPECT_EQ(reports[0].message, expected);
+    EXPECT_EQ(take_reports(),
+              (Reports{{"VrxCtrl::Exec", VRC_BAD_PARAMETER, parameter_text(command)}}));
   }
 }
 
@@ -155,14 +150,11 @@ TEST_P(ParameterGet, WritesOneWordOrReports) {
   uint32_t word = 0xDEADBEEF;
   EXPECT_EQ(ctrl->ParameterGet(static_cast<etVrcParam>(c.parameter), &word), c.status);
   EXPECT_EQ(word != 0xDEADBEEF, c.writes);
-  std::vector<Report> reports = take_reports();
   if (c.report[0] == '\0') {
-    EXPECT_TRUE(reports.empty());
+    EXPECT_TRUE(take_reports().empty());
     return;
   }
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].status, VRC_BAD_PARAMETER);
-  EXPECT_EQ(reports[0].message, c.report);
+  EXPECT_EQ(take_reports(), (Reports{{"VrxCtrl::ParameterGet", VRC_BAD_PARAMETER, c.report}}));
   EXPECT_EQ(word, 0xDEADBEEF);
 }
 
@@ -214,12 +206,8 @@ TEST_F(PanelTest, ParameterSetStoresTheCallbackAndShowsTheWindow) {
   for (etVrcParam refused : {VRC_PARAM_CAMERA_HANDLE, VRC_PARAM_WINDOW_HANDLE,
                              VRC_PARAM_PLAYBACK_FRAME, static_cast<etVrcParam>(7)}) {
     EXPECT_EQ(ctrl->ParameterSet(refused, nullptr), VRC_BAD_PARAMETER);
-    std::vector<Report> reports = take_reports();
-    ASSERT_EQ(reports.size(), 1u);
-    char expected[32];
-    std::snprintf(expected, sizeof expected, "Parameter = 0x%08x", static_cast<uint32_t>(refused));
-    EXPECT_EQ(reports[0].function, "VrxCtrl::ParameterSet");
-    EXPECT_EQ(reports[0].message, expected);
+    EXPECT_EQ(take_reports(), (Reports{{"VrxCtrl::ParameterSet", VRC_BAD_PARAMETER,
+                                        parameter_text(static_cast<uint32_t>(refused))}}));
   }
 }
 

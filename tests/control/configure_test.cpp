@@ -16,13 +16,17 @@ namespace fs = std::filesystem;
 
 struct PathCase {
   const char *path;
-  const char *text;
+  const char *text;  // null: only the length is checked
 };
 
 class PathText : public ::testing::TestWithParam<PathCase> {};
 
 TEST_P(PathText, FitsTheField) {
-  EXPECT_EQ(CVrxPageConfigure::PathDisplayText(GetParam().path), GetParam().text);
+  const std::string text = CVrxPageConfigure::PathDisplayText(GetParam().path);
+  EXPECT_LE(text.size(), 27u);
+  if (GetParam().text) {
+    EXPECT_EQ(text, GetParam().text);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -33,13 +37,9 @@ INSTANTIATE_TEST_SUITE_P(
         PathCase{"/home/user/cameras/vireo/config/long_camera_file.vcf",
                  "/.../long_camera_file.vcf"},
         PathCase{"/data/a_very_long_camera_configuration.vcf", "ng_camera_configuration.vcf"},
-        PathCase{"/a/b/c/d/e/f/g/h/i/j/k/l/m/n.vcf", "/a/b/c/d/e/f/g/h/.../n.vcf"}));
-
-TEST(PathTextLength, NeverExceedsTheField) {
-  for (const char *path :
-       {"/x/yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy/z.vcf", "relative_name_without_any_folder_at_all.vcf"})
-    EXPECT_LE(CVrxPageConfigure::PathDisplayText(path).size(), 27u) << path;
-}
+        PathCase{"/a/b/c/d/e/f/g/h/i/j/k/l/m/n.vcf", "/a/b/c/d/e/f/g/h/.../n.vcf"},
+        PathCase{"/x/yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy/z.vcf", nullptr},
+        PathCase{"relative_name_without_any_folder_at_all.vcf", nullptr}));
 
 class ConfigurePage : public PanelTest {
  protected:

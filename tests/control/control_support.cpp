@@ -36,6 +36,10 @@ void record_report(const char *function, eStat status, const char *message) {
   g_reports.push_back({function, status, message});
 }
 
+std::ostream &operator<<(std::ostream &out, const Report &report) {
+  return out << report.function << " " << report.status << " \"" << report.message << '"';
+}
+
 std::vector<Report> take_reports() {
   std::lock_guard lock(g_reports_mutex);
   return std::exchange(g_reports, {});
@@ -157,7 +161,7 @@ void PanelTest::press(int id) {
 
 std::string PanelTest::buttons() const {
   std::string states;
-  for (int id : {17000, 17001, 17002, 17003, 17004, vrc::window::ID_APPLY_NOW}) {
+  for (int id : {kSingle, kLive, kFreeze, kAbort, kRefresh, kApplyNow}) {
     const vrc::window::Window *button = ctrl->child(id);
     states += button && button->enabled() ? '1' : '0';
   }

@@ -23,7 +23,10 @@ struct Report {
   std::string function;
   eStat status;
   std::string message;
+  bool operator==(const Report &) const = default;
 };
+using Reports = std::vector<Report>;
+std::ostream &operator<<(std::ostream &out, const Report &report);
 
 // The reports of the error callback, in order (the callback may run on the SDK's thread).
 std::vector<Report> take_reports();
@@ -107,6 +110,13 @@ class RecordingPage : public CVrxPage {
  private:
   void record(const char *event);
 };
+
+// The sheet's buttons, and their states (as PanelTest::buttons gives them) on an open panel,
+// idle and live.
+constexpr int kSingle = 17000, kLive = 17001, kFreeze = 17002, kAbort = 17003, kRefresh = 17004;
+constexpr int kApplyNow = vrc::window::ID_APPLY_NOW;
+constexpr const char *kIdleButtons = "110110";
+constexpr const char *kLiveButtons = "001110";
 
 // A panel with its window over the simulated board.
 class PanelTest : public ControlTest {

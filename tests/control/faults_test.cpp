@@ -10,7 +10,6 @@ namespace {
 
 using vrc::control::PageSlot;
 
-constexpr int kSingle = 17000, kLive = 17001, kFreeze = 17002, kAbort = 17003, kApplyNow = 12321;
 constexpr int kConfigure = 17023, kRelease = 17024;
 
 enum class Start { Released, Idle, Live };
@@ -74,25 +73,24 @@ TEST_P(SdkFaults, LeaveThePanelConsistent) {
   EXPECT_EQ(ctrl->GetBuffersHeld(), 0);
 }
 
-constexpr const char *kIdle = "110110";
-constexpr const char *kLiveButtons = "001110";
 constexpr const char *kReleased = "000000";
 
 INSTANTIATE_TEST_SUITE_P(
     Calls, SdkFaults,
     ::testing::Values(
         // Starting: the apply's abort and the start both fail.
-        FaultCase{"start", Start::Idle, "call:VRX_Acquire:2:0x8106", kLive, 0, kIdle, true},
+        FaultCase{"start", Start::Idle, "call:VRX_Acquire:2:0x8106", kLive, 0, kIdleButtons, true},
         // The acquisition mode is refused: Live stays set, nothing runs.
-        FaultCase{"acq_mode", Start::Idle, "param:0xC0020100:w:1:0x8103", kLive, 1, kIdle, true},
+        FaultCase{"acq_mode", Start::Idle, "param:0xC0020100:w:1:0x8103", kLive, 1, kIdleButtons,
+                  true},
         // The channel mask is refused: the Configure page closes the board.
         FaultCase{"enable_mask", Start::Idle, "param:0xC0026A00:w:1:0x8103", kLive, 0, kReleased,
                   false},
         // The commit of the settings is refused: apply goes on.
         FaultCase{"apply_settings", Start::Idle, "param:0xC0022901:w:1:0x8103", kLive, 1,
                   kLiveButtons, true},
-        FaultCase{"single_start", Start::Idle, "call:VRX_Acquire:2:0x8106", kSingle, 0, kIdle,
-                  true},
+        FaultCase{"single_start", Start::Idle, "call:VRX_Acquire:2:0x8106", kSingle, 0,
+                  kIdleButtons, true},
         FaultCase{"freeze", Start::Live, "call:VRX_Acquire:1:0x8106", kFreeze, 1, kLiveButtons,
                   true},
         FaultCase{"abort", Start::Live, "call:VRX_Acquire:1:0x8106", kAbort, 1, kLiveButtons, true},
@@ -118,14 +116,15 @@ INSTANTIATE_TEST_SUITE_P(
         FaultCase{"board_info", Start::Released, "param:0xC0026600:r:1:0x8103", kConfigure, 0,
                   kReleased, true},
         FaultCase{"status_word", Start::Released, "param:0xC0029500:r:1:0x8103", kConfigure, 0,
-                  kIdle, true},
+                  kIdleButtons, true},
         FaultCase{"register_callback", Start::Released, "call:VRX_Acquire:1:0x8106", kConfigure, 0,
-                  kIdle, true},
+                  kIdleButtons, true},
         // Closing the board: a failed abort, close or destroy keeps it open.
         FaultCase{"release_abort", Start::Live, "call:VRX_Acquire:1:0x8106", kRelease, 1,
                   kLiveButtons, true},
-        FaultCase{"close", Start::Idle, "call:VRX_Close:1:0x8104", kRelease, 0, kIdle, true},
-        FaultCase{"destroy", Start::Idle, "call:VRX_Destroy:1:0x8101", kRelease, 0, kIdle, true}),
+        FaultCase{"close", Start::Idle, "call:VRX_Close:1:0x8104", kRelease, 0, kIdleButtons, true},
+        FaultCase{"destroy", Start::Idle, "call:VRX_Destroy:1:0x8101", kRelease, 0, kIdleButtons,
+                  true}),
     [](const ::testing::TestParamInfo<FaultCase> &test) { return std::string(test.param.name); });
 
 TEST_F(PanelTest, AFailedDisplayLeavesBuffersFlowingUnpainted) {
@@ -149,11 +148,8 @@ TEST_F(PanelTest, TheSemaphoreReportsWhenPaintingFindsItFree) {
   make();
   ASSERT_TRUE(configure());
   ctrl->send(vrc::window::WM_USER + 12);  // a paint that no event asked for
-  std::vector<Report> reports = take_reports();
-  ASSERT_EQ(reports.size(), 1u);
-  EXPECT_EQ(reports[0].function, "VrxCtrl::PaintBuffer");
-  EXPECT_EQ(reports[0].status, VRC_OK);
-  EXPECT_EQ(reports[0].message, "Failed to release event semaphore");
+  EXPECT_EQ(take_reports(),
+            (Reports{{"VrxCtrl::PaintBuffer", VRC_OK, "Failed to release event semaphore"}}));
 }
 
 }  // namespace

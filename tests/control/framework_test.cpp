@@ -12,7 +12,12 @@
 namespace control_test {
 namespace {
 
+using vrc::control::PageSlot;
 using Tabs = std::vector<std::string>;
+using Lines = std::vector<std::string>;
+
+const Tabs kDefaultTabs{"Configure", "Camera",   "Status",   "Display",   "ROI",  "Interrupt",
+                        "LUT",       "Acq Trig", "Exposure", "I/O Ports", "Comms"};
 
 struct MaskCase {
   uint32_t pages;
@@ -31,28 +36,13 @@ TEST_P(PageMasks, AddTheRequestedPagesInTabOrderWithoutCxp) {
 
 INSTANTIATE_TEST_SUITE_P(
     Masks, PageMasks,
-    ::testing::Values(MaskCase{0x4EFF,
-                               {"Configure", "Camera", "Status", "Display", "ROI", "Interrupt",
-                                "LUT", "Acq Trig", "Exposure", "I/O Ports", "Comms"}},
-                      MaskCase{0, {}}, MaskCase{0x4000, {}},
+    ::testing::Values(MaskCase{0x4EFF, kDefaultTabs}, MaskCase{0, {}}, MaskCase{0x4000, {}},
                       MaskCase{0x7FFF,
                                {"Configure", "Camera", "Status", "Display", "ROI", "Interrupt",
                                 "LUT", "Acq Trig", "Exposure", "I/O Ports", "Comms", "Test", "PoCL",
                                 "Register"}},
                       MaskCase{0x3101, {"Configure", "Test", "PoCL", "Register"}},
                       MaskCase{0x0042, {"Display", "Comms"}}));
-
-}  // namespace
-}  // namespace control_test
-
-namespace control_test {
-namespace {
-
-using vrc::control::PageSlot;
-using Lines = std::vector<std::string>;
-
-const Tabs kDefaultTabs{"Configure", "Camera",   "Status",   "Display",   "ROI",  "Interrupt",
-                        "LUT",       "Acq Trig", "Exposure", "I/O Ports", "Comms"};
 
 // ---- ShowPages ----
 
@@ -291,6 +281,9 @@ class PageHelpers : public PanelTest {
   void set_board(uint32_t parameter, uint32_t value) {
     ASSERT_EQ(VRX_ParameterSet(ctrl->GetCameraHandle(), parameter, &value), VRX_OK);
   }
+  int select_tap_direction(int32_t &selection) {
+    return camera().SelectBySdkValue(RecordingPage::IdCombo, vrx::ParamVTapDirection, selection);
+  }
 };
 
 TEST_F(PageHelpers, InitialisationPullsUpdatesThenPushes) {
@@ -330,21 +323,17 @@ TEST_F(PageHelpers, FillListTakesAtMostAHundredRowsAndRefusesBadArguments) {
 TEST_F(PageHelpers, SelectBySdkValueSearchesFromTheLastItem) {
   open_board();
   int32_t selection = 42;
-  EXPECT_EQ(camera().SelectBySdkValue(RecordingPage::IdCombo, vrx::ParamVTapDirection, selection),
-            -1);  // empty
+  EXPECT_EQ(select_tap_direction(selection), -1);  // empty
   EXPECT_EQ(selection, 42);
   camera().FillList(RecordingPage::IdCombo, vrc::pages::kVTapDirectionChoices);
   set_board(vrx::ParamVTapDirection, 0xC0021604);
-  EXPECT_EQ(camera().SelectBySdkValue(RecordingPage::IdCombo, vrx::ParamVTapDirection, selection),
-            0);
+  EXPECT_EQ(select_tap_direction(selection), 0);
   EXPECT_EQ(selection, 3);  // "Diverging", not "Converging"
   set_board(vrx::ParamVTapDirection, 0xC0021603);
-  EXPECT_EQ(camera().SelectBySdkValue(RecordingPage::IdCombo, vrx::ParamVTapDirection, selection),
-            -1);
+  EXPECT_EQ(select_tap_direction(selection), -1);
   EXPECT_EQ(selection, 3);
   vrxsim_fault_parameter(vrx::ParamVTapDirection, VRXSIM_READ, 1, VRX_ERR_BUSY);
-  EXPECT_EQ(camera().SelectBySdkValue(RecordingPage::IdCombo, vrx::ParamVTapDirection, selection),
-            -1);
+  EXPECT_EQ(select_tap_direction(selection), -1);
 }
 
 TEST_F(PageHelpers, SelectByDisplayValueReadsTheDisplay) {

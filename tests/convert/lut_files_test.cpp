@@ -12,6 +12,11 @@ namespace {
 
 std::filesystem::path temp_file(const char *name) { return std::filesystem::temp_directory_path() / name; }
 
+Bytes file_bytes(const std::string &path) {
+  std::ifstream file(path, std::ios::binary);
+  return Bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+}
+
 TEST(ConversionTables, UnknownIdsAndHandles) {
   ErrorCapture errors;
   ScopedImage image;
@@ -47,14 +52,12 @@ TEST_P(TableFiles, SaveLoadRoundTripWithTheTableSize) {
   ASSERT_EQ(ZEP_image_conv_LUT_generate(image, c.id), 0u);
   ASSERT_EQ(ZEP_image_conv_LUT_save(image, c.id, path.c_str()), 0u);
   EXPECT_EQ(std::filesystem::file_size(path), c.bytes);
-  std::ifstream saved(path, std::ios::binary);
-  const Bytes before((std::istreambuf_iterator<char>(saved)), std::istreambuf_iterator<char>());
+  const Bytes before = file_bytes(path);
   ASSERT_EQ(ZEP_image_conv_LUT_destroy(c.id), 0u);
   ASSERT_EQ(ZEP_image_conv_LUT_load(image, c.id, path.c_str()), 0u);
   const std::string again = path + ".again";
   ASSERT_EQ(ZEP_image_conv_LUT_save(image, c.id, again.c_str()), 0u);
-  std::ifstream reloaded(again, std::ios::binary);
-  EXPECT_EQ(Bytes((std::istreambuf_iterator<char>(reloaded)), std::istreambuf_iterator<char>()), before);
+  EXPECT_EQ(file_bytes(again), before);
   std::filesystem::remove(path);
   std::filesystem::remove(again);
   EXPECT_EQ(errors.count(), 0u);
@@ -74,8 +77,7 @@ TEST(ConversionTables, RgbTableEntriesAreLittleEndianFormulaValues) {
   ASSERT_EQ(ZEP_image_conv_LUT_generate(image, ZEP_LUT_YUV422_TO_RGB16), 0u);
   const std::string path = temp_file("vrc_lut_entries.lut").string();
   ASSERT_EQ(ZEP_image_conv_LUT_save(image, ZEP_LUT_YUV422_TO_RGB16, path.c_str()), 0u);
-  std::ifstream file(path, std::ios::binary);
-  const Bytes table((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const Bytes table = file_bytes(path);
   std::filesystem::remove(path);
   // Index (Y >> 1) << 12 | (U >> 2) << 6 | V >> 2. Y 254, U = V = 128: grey 254 -> 0xFFFF.
   const uint32_t grey = (127u << 12) | (32u << 6) | 32u;

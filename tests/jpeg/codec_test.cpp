@@ -388,11 +388,7 @@ TEST(Codec, EoiAfterCompleteDataIsNoError) {
   ZEP_image_destroy(jpeg);
 }
 
-}  // namespace
-}  // namespace vrc::test
-
-namespace vrc::test {
-namespace {
+// --- Fingerprints --------------------------------------------------------------------------
 
 uint64_t fnv1a(const Bytes &bytes) {
   uint64_t hash = 0xcbf29ce484222325ull;
