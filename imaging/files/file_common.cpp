@@ -54,6 +54,14 @@ uint32_t allocate_strip(uint32_t handle) {
   return ZEP_OK;
 }
 
+uint32_t allocate_backed_strip(const char *function_name, uint32_t handle, uint64_t needed,
+                               uint64_t available) {
+  if (const uint32_t status = check_fits_in_file(function_name, needed, available);
+      status != ZEP_OK)
+    return status;
+  return allocate_strip(handle);
+}
+
 std::span<uint8_t> strip_range(const ZEP_IMAGE &image, uint64_t offset, uint64_t count) {
   if (image.data == nullptr || offset >= image.strip_bytes) return {};
   const uint64_t available = image.strip_bytes - offset;

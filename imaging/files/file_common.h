@@ -56,6 +56,11 @@ uint32_t check_fits_in_file(const char *function_name, uint64_t needed, uint64_t
 // Frees the image's data and allocates one zero-filled strip of lines_this_strip lines.
 uint32_t allocate_strip(uint32_t handle);
 
+// The start of a reader's pixel transfer: check_fits_in_file for the `needed` pixel bytes of a
+// file of `available` bytes, then allocate_strip.
+uint32_t allocate_backed_strip(const char *function_name, uint32_t handle, uint64_t needed,
+                               uint64_t available);
+
 // The bytes [offset, offset + count) of the image's current strip, cut to the strip buffer.
 std::span<uint8_t> strip_range(const ZEP_IMAGE &image, uint64_t offset, uint64_t count);
 
