@@ -11,9 +11,14 @@
 
 namespace vrc::files {
 
-uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image) {
+uint32_t check_image(const char *function_name, uint32_t handle) {
   const uint32_t status = ZEP_image_check(handle);
-  if (ZEP_IS_ERROR(status)) return core::report(function_name, status, message::kCorruptImage);
+  return ZEP_IS_ERROR(status) ? core::report(function_name, status, message::kCorruptImage)
+                              : ZEP_OK;
+}
+
+uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image) {
+  if (const uint32_t status = check_image(function_name, handle); status != ZEP_OK) return status;
   image = core::image_record(handle);
   return ZEP_OK;
 }

@@ -27,8 +27,11 @@ inline constexpr char kDataPastEnd[] = "Image data runs past end of file";
 // Stdio buffer given to files being written, in bytes.
 inline constexpr std::size_t kWriteBufferBytes = 16384;
 
-// Runs ZEP_image_check on an image about to be written; a failure (also an unknown handle) is
-// reported as "Corrupt image" under `function_name`. On success `image` is the record.
+// Runs ZEP_image_check on `handle`; a failure (also an unknown handle) is reported as
+// "Corrupt image" under `function_name`.
+uint32_t check_image(const char *function_name, uint32_t handle);
+
+// check_image on an image about to be written; on success `image` is the record.
 uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image);
 
 // The record of an image about to be read into; an unknown handle is reported.
