@@ -1,6 +1,8 @@
 // The encoder's input rows.
 #include "imaging/files/jpeg/encoder_colour.h"
 
+#include "imaging/files/jpeg/simd_lanes.h"
+
 #include <emmintrin.h>
 #include <cstring>
 
@@ -30,10 +32,6 @@ void bgr_to_planes_scalar(const uint8_t *pixels, int pixel_bytes, uint32_t pairs
 
 namespace {
 
-__m128i pair_constant(int16_t a, int16_t b) {
-  return _mm_set1_epi32(static_cast<int32_t>(uint32_t(uint16_t(a)) | uint32_t(uint16_t(b)) << 16));
-}
-
 // Four B G R X pixels: Y of each (32-bit lanes) and U and V of their two pairs (lanes 0 and 2).
 struct FourPixels {
   __m128i y, u, v;
@@ -42,8 +40,8 @@ FourPixels convert_four(__m128i pixels) {
   const __m128i blue_red = _mm_and_si128(pixels, _mm_set1_epi32(0x00FF00FF));
   const __m128i green = _mm_and_si128(_mm_srli_epi32(pixels, 8), _mm_set1_epi32(0xFF));
   auto weighted = [&](ColourWeights weights) {
-    return _mm_add_epi32(_mm_madd_epi16(blue_red, pair_constant(weights.blue, weights.red)),
-                         _mm_madd_epi16(green, pair_constant(weights.green, 0)));
+    return _mm_add_epi32(_mm_madd_epi16(blue_red, Sse2Lanes::pair(weights.blue, weights.red)),
+                         _mm_madd_epi16(green, Sse2Lanes::pair(weights.green, 0)));
   };
   // The pair's value is the sum of its two pixels' weighted components.
   auto per_pair = [](__m128i per_pixel) {
