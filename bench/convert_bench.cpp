@@ -6,6 +6,7 @@
 
 #include "imaging/convert/yuv422_rows.h"
 
+#include "bench/bench_frames.h"
 #include "bench/collecting_reporter.h"
 
 #include <benchmark/benchmark.h>
@@ -26,20 +27,19 @@ namespace {
 constexpr uint32_t kWidth = 1920;
 constexpr uint32_t kHeight = 1080;
 
-// Camera-like frames: smooth gradients and colour bars with a little sensor noise (+-4). (Pure
-// noise would make every table read a cache miss, which live video does not.)
-uint8_t level(int value, std::mt19937 &rng) { return static_cast<uint8_t>(std::clamp(value + int(rng() % 9) - 4, 0, 255)); }
+using vrc::bench::noisy_level;
 
+// Camera-like frames: smooth gradients and colour bars with a little sensor noise.
 std::vector<uint8_t> yuv_frame() {
   std::mt19937 rng(1080);
   std::vector<uint8_t> frame(size_t{2} * kWidth * kHeight);
   for (uint32_t y = 0; y < kHeight; ++y)
     for (uint32_t x = 0; x < kWidth; x += 2) {
       uint8_t *pair = &frame[size_t{2} * (y * kWidth + x)];
-      pair[0] = level(16 + int(x * 219 / kWidth), rng);
-      pair[1] = level(30 + int(x / 240) * 28, rng);
-      pair[2] = level(16 + int((x + 1) * 219 / kWidth), rng);
-      pair[3] = level(30 + int(y / 135) * 28, rng);
+      pair[0] = noisy_level(16 + int(x * 219 / kWidth), rng);
+      pair[1] = noisy_level(30 + int(x / 240) * 28, rng);
+      pair[2] = noisy_level(16 + int((x + 1) * 219 / kWidth), rng);
+      pair[3] = noisy_level(30 + int(y / 135) * 28, rng);
     }
   return frame;
 }
@@ -50,31 +50,18 @@ std::vector<uint8_t> rgb_frame() {
   for (uint32_t y = 0; y < kHeight; ++y)
     for (uint32_t x = 0; x < kWidth; ++x) {
       uint8_t *p = &frame[size_t{3} * (y * kWidth + x)];
-      p[0] = level(int(x * 255 / kWidth), rng);
-      p[1] = level(int(y * 255 / kHeight), rng);
-      p[2] = level(int((x + y) / 12), rng);
+      p[0] = noisy_level(int(x * 255 / kWidth), rng);
+      p[1] = noisy_level(int(y * 255 / kHeight), rng);
+      p[2] = noisy_level(int((x + y) / 12), rng);
     }
   return frame;
-}
-
-// A whole frame as one strip of an image of `type`.
-uint32_t make_frame(uint16_t type, const std::vector<uint8_t> &bytes) {
-  const uint32_t image = ZEP_image_create();
-  ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, kWidth);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, kHeight);
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, kHeight);
-  ZEP_image_malloc_a_strip(image);
-  auto *record = static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
-  std::copy(bytes.begin(), bytes.end(), record->data);
-  return image;
 }
 
 struct Frames {
   std::vector<uint8_t> yuv = yuv_frame();
   std::vector<uint8_t> rgb = rgb_frame();
-  uint32_t yuv_image = make_frame(ZEP_YUV422, yuv);
-  uint32_t rgb_image = make_frame(ZEP_RGB24, rgb);
+  uint32_t yuv_image = vrc::bench::whole_frame_image(ZEP_YUV422, kWidth, kHeight, yuv);
+  uint32_t rgb_image = vrc::bench::whole_frame_image(ZEP_RGB24, kWidth, kHeight, rgb);
   uint32_t out_image = ZEP_image_create();
   std::vector<uint8_t> argb = std::vector<uint8_t>(size_t{4} * kWidth * kHeight);
   std::vector<uint8_t> out = std::vector<uint8_t>(size_t{4} * kWidth * kHeight);

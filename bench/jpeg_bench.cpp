@@ -12,6 +12,7 @@
 
 #include "imaging/convert/simd_level.h"
 
+#include "bench/bench_frames.h"
 #include "bench/collecting_reporter.h"
 
 #include <benchmark/benchmark.h>
@@ -31,11 +32,9 @@ constexpr int kTurboQuality = 50;
 constexpr uint16_t kQualityScale = 16;
 constexpr int kTurboFlags = TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC;
 
-// Camera-like frames: smooth gradients and colour bars with a little sensor noise (+-4).
-uint8_t level(int value, std::mt19937 &rng) {
-  return static_cast<uint8_t>(std::clamp(value + int(rng() % 9) - 4, 0, 255));
-}
+using vrc::bench::noisy_level;
 
+// Camera-like frames: smooth gradients and colour bars with a little sensor noise.
 struct Frame {
   std::vector<uint8_t> grey, bgr, yuv422, y, u, v;
 };
@@ -48,10 +47,10 @@ Frame make_frame() {
   for (int y = 0; y < kHeight; ++y)
     for (int x = 0; x < kWidth; ++x) {
       const std::size_t i = std::size_t{kWidth} * y + x;
-      f.grey[i] = level(16 + x * 219 / kWidth + (y / 90) * 3, rng);
-      f.bgr[3 * i] = level(x * 255 / kWidth, rng);
-      f.bgr[3 * i + 1] = level(y * 255 / kHeight, rng);
-      f.bgr[3 * i + 2] = level(30 + (x / 240) * 28, rng);
+      f.grey[i] = noisy_level(16 + x * 219 / kWidth + (y / 90) * 3, rng);
+      f.bgr[3 * i] = noisy_level(x * 255 / kWidth, rng);
+      f.bgr[3 * i + 1] = noisy_level(y * 255 / kHeight, rng);
+      f.bgr[3 * i + 2] = noisy_level(30 + (x / 240) * 28, rng);
     }
   // The 4:2:2 frame from the BGR frame, interleaved (ours) and as planes (TurboJPEG).
   f.yuv422.resize(std::size_t{2} * kWidth * kHeight);
@@ -71,18 +70,6 @@ Frame make_frame() {
     pair[3] = f.v[i / 2] = v;
   }
   return f;
-}
-
-uint32_t image_of(uint16_t type, const std::vector<uint8_t> &bytes) {
-  const uint32_t image = ZEP_image_create();
-  ZEP_image_set_parameter(image, ZEP_IMAGE_TYPE, type);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_WIDTH, kWidth);
-  ZEP_image_set_parameter(image, ZEP_IMAGE_HEIGHT, kHeight);
-  ZEP_image_set_parameter(image, ZEP_LINES_THIS_STRIP, kHeight);
-  ZEP_image_malloc_a_strip(image);
-  auto *record = static_cast<ZEP_IMAGE *>(ZEP_image_get_ptr(image, ZEP_IMAGE_RECORD_PTR));
-  std::copy(bytes.begin(), bytes.end(), record->data);
-  return image;
 }
 
 uint32_t our_jpeg_of(uint32_t source) {
@@ -117,9 +104,9 @@ struct Turbo {
 // streams of them and JPEG images read from those streams.
 struct Setup {
   Frame frame = make_frame();
-  uint32_t grey = image_of(ZEP_Y8, frame.grey);
-  uint32_t bgr = image_of(ZEP_BGR24, frame.bgr);
-  uint32_t yuv = image_of(ZEP_YUV422, frame.yuv422);
+  uint32_t grey = vrc::bench::whole_frame_image(ZEP_Y8, kWidth, kHeight, frame.grey);
+  uint32_t bgr = vrc::bench::whole_frame_image(ZEP_BGR24, kWidth, kHeight, frame.bgr);
+  uint32_t yuv = vrc::bench::whole_frame_image(ZEP_YUV422, kWidth, kHeight, frame.yuv422);
   uint32_t jpeg_out = ZEP_JPEG_image_create();
   uint32_t grey_jpeg = our_jpeg_of(grey);
   uint32_t yuv_jpeg = our_jpeg_of(yuv);

@@ -11,9 +11,14 @@
 
 namespace vrc::files {
 
-uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image) {
+uint32_t check_image(const char *function_name, uint32_t handle) {
   const uint32_t status = ZEP_image_check(handle);
-  if (ZEP_IS_ERROR(status)) return core::report(function_name, status, message::kCorruptImage);
+  return ZEP_IS_ERROR(status) ? core::report(function_name, status, message::kCorruptImage)
+                              : ZEP_OK;
+}
+
+uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image) {
+  if (const uint32_t status = check_image(function_name, handle); status != ZEP_OK) return status;
   image = core::image_record(handle);
   return ZEP_OK;
 }
@@ -62,6 +67,15 @@ uint32_t allocate_strip(uint32_t handle) {
   const ZEP_IMAGE *image = core::image_record(handle);
   if (image->data != nullptr) std::memset(image->data, 0, image->strip_bytes);
   return ZEP_OK;
+}
+
+uint32_t allocate_backed_strip(const char *function_name, uint32_t handle, uint64_t needed,
+                               uint64_t available) {
+  if (const uint32_t status =
+          check_strip_fits_in_file(function_name, *core::image_record(handle), needed, available);
+      status != ZEP_OK)
+    return status;
+  return allocate_strip(handle);
 }
 
 std::span<uint8_t> strip_range(const ZEP_IMAGE &image, uint64_t offset, uint64_t count) {

@@ -27,8 +27,11 @@ inline constexpr char kDataPastEnd[] = "Image data runs past end of file";
 // Stdio buffer given to files being written, in bytes.
 inline constexpr std::size_t kWriteBufferBytes = 16384;
 
-// Runs ZEP_image_check on an image about to be written; a failure (also an unknown handle) is
-// reported as "Corrupt image" under `function_name`. On success `image` is the record.
+// Runs ZEP_image_check on `handle`; a failure (also an unknown handle) is reported as
+// "Corrupt image" under `function_name`.
+uint32_t check_image(const char *function_name, uint32_t handle);
+
+// check_image on an image about to be written; on success `image` is the record.
 uint32_t check_image_to_write(const char *function_name, uint32_t handle, ZEP_IMAGE *&image);
 
 // The record of an image about to be read into; an unknown handle is reported.
@@ -66,6 +69,11 @@ uint32_t check_strip_fits_in_file(const char *function_name, const ZEP_IMAGE &im
 
 // Frees the image's data and allocates one zero-filled strip of lines_this_strip lines.
 uint32_t allocate_strip(uint32_t handle);
+
+// The start of a reader's pixel transfer: check_strip_fits_in_file for the `needed` pixel bytes
+// of a file of `available` bytes, then allocate_strip.
+uint32_t allocate_backed_strip(const char *function_name, uint32_t handle, uint64_t needed,
+                               uint64_t available);
 
 // The bytes [offset, offset + count) of the image's current strip, cut to the strip buffer.
 std::span<uint8_t> strip_range(const ZEP_IMAGE &image, uint64_t offset, uint64_t count);

@@ -19,10 +19,10 @@ struct Code {
 // The code of `symbol` in default table `slot` (0 DC luminance, 1 DC chrominance, 2 AC
 // luminance, 3 AC chrominance), followed by `extra`.
 inline Code symbol_code(int slot, uint8_t symbol, const std::string &extra = "") {
-  const jpeg::HuffmanSpec &spec = *jpeg::kDefaultHuffman[slot];
-  const jpeg::HuffmanCodes codes = jpeg::generate_huffman_codes(spec.counts.data());
+  const jpeg::HuffmanTable &table = *jpeg::kDefaultHuffman[slot];
+  const jpeg::HuffmanCodes codes = jpeg::generate_huffman_codes(table.counts.data());
   for (int i = 0; i < codes.count; ++i) {
-    if (spec.values[i] != symbol) continue;
+    if (table.values[i] != symbol) continue;
     std::string text;
     for (int bit = codes.length[i] - 1; bit >= 0; --bit)
       text += (codes.code[i] >> bit) & 1 ? '1' : '0';

@@ -124,11 +124,9 @@ uint32_t read_bmp(uint32_t handle, uint16_t action) {
   const uint32_t bits = image->type == ZEP_PALETTED ? 8 : 24;
   const uint64_t needed =
       data_offset(bits) + uint64_t{image->height} * row_bytes(image->width, bits);
-  if (const uint32_t status = check_strip_fits_in_file(kReadName, *image, needed, file.size());
-      status != ZEP_OK) {
+  if (const uint32_t status = allocate_backed_strip(kReadName, handle, needed, file.size());
+      ZEP_IS_ERROR(status))
     return status;
-  }
-  if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
   if (const uint32_t status = ZEP_read_BMP_file_1_strip(*image, 0, stream); status != ZEP_OK)
     return status;
   return close_file(kReadName, file);

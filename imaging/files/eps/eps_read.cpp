@@ -190,10 +190,9 @@ uint32_t read_eps(uint32_t handle, uint16_t action) {
   // Each byte takes at least two characters of the file: a header asking for more bytes than
   // the file has characters cannot be meant.
   const uint64_t needed = line_bytes(image->type, image->width) * image->lines_this_strip;
-  if (const uint32_t status = check_strip_fits_in_file(kReadName, *image, needed, file.size());
-      status != ZEP_OK)
+  if (const uint32_t status = allocate_backed_strip(kReadName, handle, needed, file.size());
+      ZEP_IS_ERROR(status))
     return status;
-  if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
   read_hex_data(text, *image);
   if (!whole_image) {
     keep_open(OpenSlot::EpsRead, std::move(file));

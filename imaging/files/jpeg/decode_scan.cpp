@@ -70,7 +70,7 @@ class ScanTables {
       std::memcpy(counts, record.huff_counts[slot], 16);
       std::memcpy(values, record.huff_values[slot], 256);
     }
-    const HuffmanSpec &standard = *kDefaultHuffman[index];
+    const HuffmanTable &standard = *kDefaultHuffman[index];
     if (std::memcmp(counts, standard.counts.data(), 16) == 0 &&
         std::memcmp(values, standard.values.data(), standard.value_count) == 0)
       return default_decode_table(index);

@@ -4,6 +4,7 @@
 #include "imaging/core/handle_table.h"
 #include "imaging/core/library_hooks.h"
 #include "imaging/core/report.h"
+#include "imaging/files/file_common.h"
 #include "imaging/files/jpeg/decode_scan.h"
 #include "imaging/files/jpeg/huffman_decode.h"
 #include "imaging/files/jpeg/jpeg_state.h"
@@ -87,8 +88,8 @@ uint32_t check_decode(const ZEP_IMAGE &jpeg, const ZEP_JPEG_RECORD &record,
 uint32_t decompress(uint32_t jpeg_image, uint32_t destination) {
   const JpegImage source = jpeg_image_of(jpeg_image, kDecompress);
   if (source.record == nullptr) return source.status;
-  if (const uint32_t status = ZEP_image_check(jpeg_image); ZEP_IS_ERROR(status))
-    return core::report(kDecompress, status, "Corrupt image");
+  if (const uint32_t status = files::check_image(kDecompress, jpeg_image); status != ZEP_OK)
+    return status;
   const Sampling *sampling = sampling_of(source.image->type);
   if (sampling == nullptr)
     return core::report(kDecompress, ZEP_ERR_UNSUPPORTED | source.image->type,

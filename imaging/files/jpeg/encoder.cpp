@@ -3,6 +3,7 @@
 // runs the scan into the JPEG image's data.
 #include "imaging/core/handle_table.h"
 #include "imaging/core/report.h"
+#include "imaging/files/file_common.h"
 #include "imaging/files/jpeg/encode_scan.h"
 #include "imaging/files/jpeg/encoder_padding.h"
 #include "imaging/files/jpeg/jpeg_state.h"
@@ -82,8 +83,8 @@ uint32_t code_picture(const ZEP_IMAGE &image, ZEP_JPEG_RECORD &record) {
 uint32_t compress(uint32_t source, uint32_t jpeg_image) {
   const JpegImage target = jpeg_image_of(jpeg_image, kCompress);
   if (target.record == nullptr) return target.status;
-  if (const uint32_t status = ZEP_image_check(source); ZEP_IS_ERROR(status))
-    return core::report(kCompress, status, "Corrupt image");
+  if (const uint32_t status = files::check_image(kCompress, source); status != ZEP_OK)
+    return status;
   const ZEP_IMAGE &from = *core::image_record(source);
   if (from.lines_this_strip != from.height)
     return core::report(kCompress, ZEP_ERR_UNSUPPORTED | (from.lines_this_strip & 0xFFFF),

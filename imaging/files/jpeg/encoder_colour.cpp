@@ -1,10 +1,19 @@
 // The encoder's input rows.
 #include "imaging/files/jpeg/encoder_colour.h"
 
+#include "imaging/files/jpeg/simd_lanes.h"
+
 #include <emmintrin.h>
 #include <cstring>
 
 namespace vrc::jpeg {
+namespace {
+
+int weighted_sum(ColourWeights weights, int blue, int green, int red) {
+  return weights.blue * blue + weights.green * green + weights.red * red;
+}
+
+}  // namespace
 
 void bgr_to_planes_scalar(const uint8_t *pixels, int pixel_bytes, uint32_t pairs,
                           const PlaneRows &out) {
@@ -13,19 +22,15 @@ void bgr_to_planes_scalar(const uint8_t *pixels, int pixel_bytes, uint32_t pairs
     const uint8_t *p1 = p0 + pixel_bytes;
     const int b0 = p0[0], g0 = p0[1], r0 = p0[2];
     const int b1 = p1[0], g1 = p1[1], r1 = p1[2];
-    out.y[2 * i] = static_cast<uint8_t>((306 * r0 + 601 * g0 + 117 * b0) >> 10);
-    out.y[2 * i + 1] = static_cast<uint8_t>((306 * r1 + 601 * g1 + 117 * b1) >> 10);
+    out.y[2 * i] = static_cast<uint8_t>(weighted_sum(kLumaWeights, b0, g0, r0) >> 10);
+    out.y[2 * i + 1] = static_cast<uint8_t>(weighted_sum(kLumaWeights, b1, g1, r1) >> 10);
     const int r = r0 + r1, g = g0 + g1, b = b0 + b1;
-    out.u[i] = static_cast<uint8_t>(((512 * b - 339 * g - 173 * r) >> 11) + 128);
-    out.v[i] = static_cast<uint8_t>(((512 * r - 429 * g - 83 * b) >> 11) + 128);
+    out.u[i] = static_cast<uint8_t>((weighted_sum(kBlueDifferenceWeights, b, g, r) >> 11) + 128);
+    out.v[i] = static_cast<uint8_t>((weighted_sum(kRedDifferenceWeights, b, g, r) >> 11) + 128);
   }
 }
 
 namespace {
-
-__m128i pair_constant(int16_t a, int16_t b) {
-  return _mm_set1_epi32(static_cast<int32_t>(uint32_t(uint16_t(a)) | uint32_t(uint16_t(b)) << 16));
-}
 
 // Four B G R X pixels: Y of each (32-bit lanes) and U and V of their two pairs (lanes 0 and 2).
 struct FourPixels {
@@ -34,17 +39,17 @@ struct FourPixels {
 FourPixels convert_four(__m128i pixels) {
   const __m128i blue_red = _mm_and_si128(pixels, _mm_set1_epi32(0x00FF00FF));
   const __m128i green = _mm_and_si128(_mm_srli_epi32(pixels, 8), _mm_set1_epi32(0xFF));
-  auto weighted = [&](int16_t b, int16_t g, int16_t r) {
-    return _mm_add_epi32(_mm_madd_epi16(blue_red, pair_constant(b, r)),
-                         _mm_madd_epi16(green, pair_constant(g, 0)));
+  auto weighted = [&](ColourWeights weights) {
+    return _mm_add_epi32(_mm_madd_epi16(blue_red, Sse2Lanes::pair(weights.blue, weights.red)),
+                         _mm_madd_epi16(green, Sse2Lanes::pair(weights.green, 0)));
   };
   // The pair's value is the sum of its two pixels' weighted components.
   auto per_pair = [](__m128i per_pixel) {
     const __m128i sum = _mm_add_epi32(per_pixel, _mm_srli_epi64(per_pixel, 32));
     return _mm_add_epi32(_mm_srai_epi32(sum, 11), _mm_set1_epi32(128));
   };
-  return {_mm_srai_epi32(weighted(117, 601, 306), 10), per_pair(weighted(512, -339, -173)),
-          per_pair(weighted(-83, -429, 512))};
+  return {_mm_srai_epi32(weighted(kLumaWeights), 10), per_pair(weighted(kBlueDifferenceWeights)),
+          per_pair(weighted(kRedDifferenceWeights))};
 }
 
 // Lanes 0 and 2 of a and of b as four bytes.

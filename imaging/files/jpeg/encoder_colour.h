@@ -14,6 +14,14 @@ struct PlaneRows {
   uint8_t *v;
 };
 
+// The weights of B, G and R in Y (in 1/1024) and in U and V (in 1/2048, taken of a pair's sums).
+struct ColourWeights {
+  int16_t blue, green, red;
+};
+inline constexpr ColourWeights kLumaWeights = {117, 601, 306};
+inline constexpr ColourWeights kBlueDifferenceWeights = {512, -339, -173};
+inline constexpr ColourWeights kRedDifferenceWeights = {-83, -429, 512};
+
 // `pairs` pixel pairs of B G R (pixel_bytes 3) or B G R X (4) pixels: per pixel
 // Y = (306 R + 601 G + 117 B) >> 10; per pair, from the sums of its two pixels' components,
 // U = ((512 B - 339 G - 173 R) >> 11) + 128 and V = ((512 R - 429 G - 83 B) >> 11) + 128.

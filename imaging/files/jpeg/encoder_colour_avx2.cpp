@@ -3,16 +3,12 @@
 // processor has it.
 #include "imaging/files/jpeg/encoder_colour.h"
 
+#include "imaging/files/jpeg/simd_lanes.h"
+
 #include <immintrin.h>
 
 namespace vrc::jpeg {
 namespace {
-
-__m256i pair_constant(short a, short b) {
-  return _mm256_set1_epi32(
-      static_cast<int>(static_cast<unsigned short>(a) |
-                       static_cast<unsigned>(static_cast<unsigned short>(b)) << 16));
-}
 
 // Eight pixels as B G R X words (X zero for 3-byte pixels, which are read 4 bytes past the
 // eighth).
@@ -33,16 +29,16 @@ struct EightPixels {
 EightPixels convert_eight(__m256i pixels) {
   const __m256i blue_red = _mm256_and_si256(pixels, _mm256_set1_epi32(0x00FF00FF));
   const __m256i green = _mm256_and_si256(_mm256_srli_epi32(pixels, 8), _mm256_set1_epi32(0xFF));
-  auto weighted = [&](short b, short g, short r) {
-    return _mm256_add_epi32(_mm256_madd_epi16(blue_red, pair_constant(b, r)),
-                            _mm256_madd_epi16(green, pair_constant(g, 0)));
+  auto weighted = [&](ColourWeights weights) {
+    return _mm256_add_epi32(_mm256_madd_epi16(blue_red, Avx2Lanes::pair(weights.blue, weights.red)),
+                            _mm256_madd_epi16(green, Avx2Lanes::pair(weights.green, 0)));
   };
   auto per_pair = [](__m256i per_pixel) {
     const __m256i sum = _mm256_add_epi32(per_pixel, _mm256_srli_epi64(per_pixel, 32));
     return _mm256_add_epi32(_mm256_srai_epi32(sum, 11), _mm256_set1_epi32(128));
   };
-  return {_mm256_srai_epi32(weighted(117, 601, 306), 10), per_pair(weighted(512, -339, -173)),
-          per_pair(weighted(-83, -429, 512))};
+  return {_mm256_srai_epi32(weighted(kLumaWeights), 10), per_pair(weighted(kBlueDifferenceWeights)),
+          per_pair(weighted(kRedDifferenceWeights))};
 }
 
 // The four pair values of `a` then of `b`, as eight bytes.

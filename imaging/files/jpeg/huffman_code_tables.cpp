@@ -11,11 +11,11 @@ namespace vrc::jpeg {
 
 void set_default_huffman_tables(ZEP_JPEG_RECORD &record) {
   for (int slot = 0; slot < kHuffmanSlots; ++slot) {
-    const HuffmanSpec &spec = *kDefaultHuffman[slot];
-    record.huff_class_id[slot] = spec.class_id;
-    std::copy(spec.counts.begin(), spec.counts.end(), record.huff_counts[slot]);
+    const HuffmanTable &table = *kDefaultHuffman[slot];
+    record.huff_class_id[slot] = table.class_id;
+    std::copy(table.counts.begin(), table.counts.end(), record.huff_counts[slot]);
     std::memset(record.huff_values[slot], 0, sizeof record.huff_values[slot]);
-    std::copy_n(spec.values.begin(), spec.value_count, record.huff_values[slot]);
+    std::copy_n(table.values.begin(), table.value_count, record.huff_values[slot]);
   }
   record.dht_length = kDefaultDhtTableBytes;
 }

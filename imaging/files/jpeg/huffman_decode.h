@@ -19,7 +19,7 @@ struct DecodeTable {
   uint8_t values[256];
 };
 
-// Builds the decoding tables of a Huffman specification (counts of codes of length 1..16, then
+// Builds the decoding tables of a Huffman table definition (counts of codes of length 1..16, then
 // the values).
 void build_decode_table(const uint8_t counts[16], const uint8_t values[256], DecodeTable &table);
 

@@ -6,7 +6,7 @@
 
 namespace vrc::jpeg {
 
-// The canonical codes of a Huffman specification, in the order of its values.
+// The canonical codes of a Huffman table definition, in the order of its values.
 struct HuffmanCodes {
   int count = 0;             // codes generated (at most 256)
   uint16_t code[256] = {};   // code of the value at the same index
@@ -15,7 +15,7 @@ struct HuffmanCodes {
 
 // Generates the codes of `counts` (codes of each length 1..16). Counts that claim more codes than
 // a length can hold, or more than 256 in all, are cut to what fits, so that a damaged
-// specification still gives a prefix-free set of codes.
+// table definition still gives a prefix-free set of codes.
 HuffmanCodes generate_huffman_codes(const uint8_t counts[16]);
 
 }  // namespace vrc::jpeg

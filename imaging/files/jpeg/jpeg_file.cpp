@@ -95,26 +95,31 @@ OwnedFile open_input(const char *function_name, uint32_t handle, uint32_t &statu
   return file;
 }
 
-uint32_t file_read(uint32_t handle) {
-  constexpr char kName[] = "ZEP_JPEG_file_read";
-  uint32_t status = 0;
-  OwnedFile file = open_input(kName, handle, status);
-  if (!file) return status;
+// Opens the image's input file and parses its markers in `mode`. Returns the file, positioned
+// after what was parsed, or null with the code in `status` when opening or parsing failed.
+OwnedFile parse_input_file(const char *function_name, uint32_t handle, ParseMode mode,
+                           uint32_t &status) {
+  OwnedFile file = open_input(function_name, handle, status);
+  if (!file) return nullptr;
   FileInput input(std::move(file));
-  return parse_markers(kName, handle, input, ParseMode::WithData, kFileEnded);
+  status = parse_markers(function_name, handle, input, mode, kFileEnded);
+  if (status != 0) return nullptr;
+  return input.release();
+}
+
+uint32_t file_read(uint32_t handle) {
+  uint32_t status = 0;
+  parse_input_file("ZEP_JPEG_file_read", handle, ParseMode::WithData, status);
+  return status;
 }
 
 uint32_t file_open(uint32_t handle) {
-  constexpr char kName[] = "ZEP_JPEG_file_open";
   uint32_t status = 0;
-  OwnedFile file = open_input(kName, handle, status);
+  OwnedFile file = parse_input_file("ZEP_JPEG_file_open", handle, ParseMode::HeaderOnly, status);
   if (!file) return status;
-  FileInput input(std::move(file));
-  status = parse_markers(kName, handle, input, ParseMode::HeaderOnly, kFileEnded);
-  if (status != 0) return status;
   ZEP_JPEG_RECORD &record = *core::image_record(handle)->jpeg;
   if (record.file != nullptr) std::fclose(record.file);
-  record.file = input.release().release();
+  record.file = file.release();
   return 0;
 }
 

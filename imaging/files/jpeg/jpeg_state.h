@@ -2,7 +2,7 @@
 //
 // The state block is the image's JPEG record (ZEP_JPEG_RECORD, imaging/core/jpeg_record.h): the
 // quality scale, the two quantisation tables in zigzag order with their reciprocals, the four
-// Huffman specifications with their encoding code tables, and the SOF0/SOS fields. The image
+// Huffman table definitions with their encoding code tables, and the SOF0/SOS fields. The image
 // itself carries the rest: its type is the sampling (ZEP_Y8, ZEP_YUV422, or ZEP_DATA16_C for
 // 4:1:1 data that is only decoded) and its width and height are the picture's own size, which
 // the codec pads up to whole MCUs.
@@ -10,7 +10,7 @@
 // Field conventions, for writers and parsers of markers:
 // - quant[t][k]: table t (0 luminance, 1 chrominance), entry k in zigzag order; quant_tables 2
 //   and dqt_length 132 (the DQT segment length) after ZEP_JPEG_make_Q_tables.
-// - huff_class_id[i], huff_counts[i], huff_values[i]: Huffman specification i, its class/id byte
+// - huff_class_id[i], huff_counts[i], huff_values[i]: Huffman table definition i, its class/id
 //   (class << 4 | id), the 16 code-length counts and the values; a class/id of 255 marks an unused
 //   slot (the end of the list). The defaults fill the slots in the order 0x00, 0x01, 0x10, 0x11.
 //   dht_length holds the table bytes only (416 for the defaults): the DHT segment's length field
@@ -68,7 +68,7 @@ constexpr const Sampling *sampling_of(uint16_t type) {
   }
 }
 
-// The slot of the Huffman specification with `class_id` in `record`, or -1.
+// The slot of the Huffman table definition with `class_id` in `record`, or -1.
 inline int huffman_slot(const ZEP_JPEG_RECORD &record, uint8_t class_id) {
   for (int slot = 0; slot < kHuffmanSlots; ++slot)
     if (record.huff_class_id[slot] == class_id) return slot;

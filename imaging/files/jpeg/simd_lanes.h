@@ -1,13 +1,20 @@
 // Lane operations of the vector DCT passes, for 128-bit registers (SSE2: one 8 x 8 block, a row
 // per register) and, in units compiled for AVX2, 256-bit registers (two blocks side by side, one
-// per 128-bit half). The passes are written once over these (dct_passes.h). Everything here has
-// internal linkage, so that each unit keeps the code compiled for its own instruction set.
+// per 128-bit half). The passes are written once over these (dct_passes.h); the encoder's colour
+// conversion takes its paired weights from them too. Everything here has internal linkage, so
+// that each unit keeps the code compiled for its own instruction set.
 #pragma once
 
 #include <immintrin.h>
 
 namespace vrc::jpeg {
 namespace {
+
+// Two 16-bit values as one 32-bit lane: `low` in the low half, `high` in the high half.
+constexpr int paired_words(short low, short high) {
+  return static_cast<int>(static_cast<unsigned short>(low) |
+                          (static_cast<unsigned>(static_cast<unsigned short>(high)) << 16));
+}
 
 struct Sse2Lanes {
   using V = __m128i;
@@ -35,11 +42,7 @@ struct Sse2Lanes {
   static V set16(short v) { return _mm_set1_epi16(v); }
   static V set32(int v) { return _mm_set1_epi32(v); }
   // 16-bit lanes alternating ca, cb.
-  static V pair(short ca, short cb) {
-    return _mm_set1_epi32(
-        static_cast<int>(static_cast<unsigned short>(ca) |
-                         (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
-  }
+  static V pair(short ca, short cb) { return _mm_set1_epi32(paired_words(ca, cb)); }
 };
 
 #ifdef __AVX2__
@@ -68,11 +71,7 @@ struct Avx2Lanes {
   static V unpackhi64(V a, V b) { return _mm256_unpackhi_epi64(a, b); }
   static V set16(short v) { return _mm256_set1_epi16(v); }
   static V set32(int v) { return _mm256_set1_epi32(v); }
-  static V pair(short ca, short cb) {
-    return _mm256_set1_epi32(
-        static_cast<int>(static_cast<unsigned short>(ca) |
-                         (static_cast<unsigned>(static_cast<unsigned short>(cb)) << 16)));
-  }
+  static V pair(short ca, short cb) { return _mm256_set1_epi32(paired_words(ca, cb)); }
 };
 #endif
 

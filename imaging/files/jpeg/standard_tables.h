@@ -31,7 +31,7 @@ inline constexpr std::array<uint8_t, 64 + 16> kZigzagToNatural = {
 
 // A Huffman table as T.81 B.2.4.2 specifies it: the number of codes of each length 1..16, then
 // the symbol values in order of increasing code length.
-struct HuffmanSpec {
+struct HuffmanTable {
   uint8_t class_id;  // table class (0 DC, 1 AC) << 4 | table id
   std::array<uint8_t, 16> counts;
   uint8_t value_count;
@@ -39,19 +39,19 @@ struct HuffmanSpec {
 };
 
 // T.81 Table K.3: luminance DC coefficient differences.
-inline constexpr HuffmanSpec kLuminanceDc = {0x00,
-                                             {0, 1, 5, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0},
-                                             12,
-                                             {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}};
+inline constexpr HuffmanTable kLuminanceDc = {0x00,
+                                              {0, 1, 5, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0},
+                                              12,
+                                              {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}};
 
 // T.81 Table K.4: chrominance DC coefficient differences.
-inline constexpr HuffmanSpec kChrominanceDc = {0x01,
-                                               {0, 3, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0},
-                                               12,
-                                               {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}};
+inline constexpr HuffmanTable kChrominanceDc = {0x01,
+                                                {0, 3, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0},
+                                                12,
+                                                {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}};
 
 // T.81 Table K.5: luminance AC coefficients (run/size symbols).
-inline constexpr HuffmanSpec kLuminanceAc = {
+inline constexpr HuffmanTable kLuminanceAc = {
     0x10,
     {0, 2, 1, 3, 3, 2, 4, 3, 5, 5, 4, 4, 0, 0, 1, 0x7d},
     162,
@@ -68,7 +68,7 @@ inline constexpr HuffmanSpec kLuminanceAc = {
      0xe9, 0xea, 0xf1, 0xf2, 0xf3, 0xf4, 0xf5, 0xf6, 0xf7, 0xf8, 0xf9, 0xfa}};
 
 // T.81 Table K.6: chrominance AC coefficients (run/size symbols).
-inline constexpr HuffmanSpec kChrominanceAc = {
+inline constexpr HuffmanTable kChrominanceAc = {
     0x11,
     {0, 2, 1, 2, 4, 4, 3, 4, 7, 5, 4, 4, 0, 1, 2, 0x77},
     162,
@@ -86,7 +86,7 @@ inline constexpr HuffmanSpec kChrominanceAc = {
 
 // The four default tables in the order the state block holds them (DC luminance, DC chrominance,
 // AC luminance, AC chrominance).
-inline constexpr std::array<const HuffmanSpec *, 4> kDefaultHuffman = {
+inline constexpr std::array<const HuffmanTable *, 4> kDefaultHuffman = {
     &kLuminanceDc, &kChrominanceDc, &kLuminanceAc, &kChrominanceAc};
 
 // The 13-bit fixed-point constants of the Loeffler-Ligtenberg-Moschytz DCT (value x 8192).

@@ -296,10 +296,9 @@ uint32_t read_tiff(uint32_t handle, uint16_t action) {
     return finish_without_data(kReadName, file, OpenSlot::TiffRead, action);
 
   const uint64_t needed = uint64_t{image->height} * reader.file_line_bytes();
-  if (const uint32_t status = check_strip_fits_in_file(kReadName, *image, needed, file.size());
-      status != ZEP_OK)
+  if (const uint32_t status = allocate_backed_strip(kReadName, handle, needed, file.size());
+      ZEP_IS_ERROR(status))
     return status;
-  if (const uint32_t status = allocate_strip(handle); ZEP_IS_ERROR(status)) return status;
   if (!reader.read_pixels()) {
     ZEP_ErrProcess(ZEP_LIBRARY_NUMBER, kReadName, ZEP_OK, "");
     return ZEP_OK;
