@@ -50,8 +50,12 @@ void Inspection::warn(const char *format, ...) {
   std::vsnprintf(line, sizeof line, format, arguments);
   va_end(arguments);
   const std::size_t used = std::strlen(m_out.warnings);
-  if (used + std::strlen(line) + 2 > sizeof m_out.warnings) return;
-  std::snprintf(m_out.warnings + used, sizeof m_out.warnings - used, "%s\n", line);
+  const std::size_t length = std::strlen(line);
+  if (used + length + 2 > sizeof m_out.warnings) return;  // the line, its newline and the end
+  char *end = m_out.warnings + used;
+  std::memcpy(end, line, length);
+  end[length] = '\n';
+  end[length + 1] = '\0';
 }
 
 void Inspection::set_colour(uint32_t index, uint8_t red, uint8_t green, uint8_t blue) {

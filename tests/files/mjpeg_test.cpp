@@ -287,7 +287,7 @@ INSTANTIATE_TEST_SUITE_P(
                     MoveCase{"ScanForwardsFromFirst", &ZEP_MJPEG_ScanForwards, 1, 1, 3},
                     MoveCase{"ScanBackwards", &ZEP_MJPEG_ScanBackwards, 6, 3, 4},
                     MoveCase{"ScanBackwardsToFirst", &ZEP_MJPEG_ScanBackwards, 3, 3, 1}),
-    [](const testing::TestParamInfo<MoveCase> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<MoveCase> &param_info) { return std::string(param_info.param.name); });
 
 TEST_F(MjpegReading, UnknownLengthsAreScannedOver) {
   // Clear every stored length: skipping falls back to scanning and lands on the same frames.
@@ -492,7 +492,7 @@ INSTANTIATE_TEST_SUITE_P(
                  ZEP_ERR_UNEXPECTED, "MJPEG file holds no frames"},
         BadMjpeg{"not_jpeg", [](Bytes &f, const auto &) { f[0] = 'M'; }, false, 0,
                  ZEP_ERR_UNEXPECTED, "Expecting PREFIX marker"}),
-    [](const testing::TestParamInfo<BadMjpeg> &info) { return std::string(info.param.name); });
+    [](const testing::TestParamInfo<BadMjpeg> &param_info) { return std::string(param_info.param.name); });
 
 TEST(MjpegGarbage, BytesBetweenRecordsAreSteppedOver) {
   ErrorCapture errors;
